@@ -38,8 +38,7 @@ if(KAPDF_SANITIZE)
 endif()
 
 if(WIN32)
-  target_compile_definitions(kapdf_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601
-                                                     __USE_MINGW_ANSI_STDIO=0)
+  target_compile_definitions(kapdf_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
   # System DLLs only, and the same bytes from the same sources.
   target_link_options(kapdf_options INTERFACE -static -Wl,--no-insert-timestamp $<$<CONFIG:Release>:-s>)
 else()
