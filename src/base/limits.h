@@ -19,6 +19,7 @@ inline constexpr size_t kPathPoints = 16'000'000;                // further poin
 inline constexpr size_t kSavedStates = 65'536;                   // copies kept by q; deeper ones are only counted
 inline constexpr size_t kTokenText = 127;                        // characters of a number or a name
 inline constexpr int64_t kDictionarySearch = int64_t{1} << 20;   // bytes passed over in search of "<<"
+inline constexpr int64_t kRubbish = int64_t{64} << 20;           // bytes that the search for brackets passes over in one document
 inline constexpr int kJoinedStreams = 64;                        // streams that one statement may span
 inline constexpr size_t kObjectStreamCache = size_t{64} << 20;   // bytes of decoded object streams kept
 inline constexpr size_t kPaletteEntries = 256;

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/limits.h"
+
 namespace kapdf {
 
 enum class SeekOrigin { kStart = 0, kCurrent = 1, kEnd = 2 };
@@ -35,6 +37,10 @@ class CZVBaseIO {
   uint8_t GetByte() { return cursor_ != windowEnd_ ? *cursor_++ : Refill(); }
   bool AtEnd() const { return atEnd_; }
 
+  // For searches through damaged data: counts one byte that was passed over, false once there were too many of them, so that
+  // many broken objects cannot make one file be searched again and again.
+  bool PassOver() { return rubbishLeft_-- > 0; }
+
   const std::u16string &registryPath() const { return registryPath_; }
 
  protected:
@@ -47,6 +53,7 @@ class CZVBaseIO {
 
  private:
   std::u16string registryPath_;
+  int64_t rubbishLeft_ = limits::kRubbish;
 };
 
 }  // namespace kapdf

@@ -78,7 +78,7 @@ bool CZVMemoryFileRead::Seek(int64_t offset, SeekOrigin origin) {
   if (offset < -base) return false;
   const int64_t target = offset > length_ - base ? length_ : base + offset;
   // Stay in the window when the target lies in it: the parser steps back a few bytes all the time.
-  if (cursor_ != windowEnd_ || windowEnd_ != nullptr) {
+  if (windowEnd_ != nullptr) {
     const int64_t blockStart = (position_ - 1) / static_cast<int64_t>(blockBytes_) * static_cast<int64_t>(blockBytes_);
     if (target >= blockStart && target < position_) {
       cursor_ = windowEnd_ - (position_ - target);

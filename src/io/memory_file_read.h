@@ -29,6 +29,8 @@ class CZVMemoryFileRead : public CZVBaseIO {
 
  protected:
   uint8_t Refill() override;
+  // Forgets the window, for a class that had put another one in its place; the position is then that of the window's end.
+  void DropWindow() { cursor_ = windowEnd_ = nullptr; }
 
  private:
   struct Block {

@@ -1,0 +1,50 @@
+// The document as a byte source: the file, or for a while the text of one object that came out of an object stream.
+#pragma once
+
+#include <string>
+
+#include "io/memory_file_read.h"
+
+namespace kapdf {
+
+// While the memory block is active, `Read`, `GetByte`, `Seek` and `Tell` work on it, so that whoever looks up an object goes
+// on as if it had sought to a plain position.
+class CPDFBlockSource : public CZVMemoryFileRead {
+ public:
+  explicit CPDFBlockSource(std::u16string_view registryPath);
+
+  size_t Read(void *buffer, size_t count) override;
+  // On the block: from the start or the current place, and only below the block's end.
+  bool Seek(int64_t offset, SeekOrigin origin) override;
+  int64_t Tell() const override;
+
+  // Where reading stands, to come back to after another object was fetched.
+  struct Mark {
+    bool inBlock;
+    uint32_t blockSerial;
+    int64_t position;
+  };
+  Mark GetMark() const;
+  // False when the block that was marked has been replaced since.
+  bool Restore(const Mark &mark);
+
+  // Replaces the block and reads from its start.
+  void ActivateBlock(std::string bytes);
+  // Goes back to the last block, or to an empty one when there never was any.
+  void ReactivateBlock();
+  // Goes back to the file. The position there is not defined until the next `Seek`.
+  void LeaveBlock();
+  bool blockActive() const { return blockActive_; }
+
+ protected:
+  uint8_t Refill() override;
+
+ private:
+  const uint8_t *BlockStart() const { return reinterpret_cast<const uint8_t *>(block_.data()); }
+
+  std::string block_;
+  bool blockActive_ = false;
+  uint32_t blockSerial_ = 0;
+};
+
+}  // namespace kapdf

@@ -1,0 +1,213 @@
+// Objects that hold no others.
+#include "base/ascii.h"
+#include "base/limits.h"
+#include "base/scan.h"
+#include "pdfmodel/objects.h"
+
+namespace kapdf {
+
+uint8_t CPDFObject::SkipSpace() {
+  do lastChar = source_->GetByte();
+  while (IsSpace(lastChar));
+  return lastChar;
+}
+
+uint8_t CPDFObject::FirstByte(uint8_t first) {
+  lastChar = first;
+  return first == 255 || IsSpace(first) ? SkipSpace() : first;
+}
+
+bool CPDFObject::Expect(std::string_view text) {
+  for (const char c : text) {
+    lastChar = source_->GetByte();
+    if (lastChar != static_cast<uint8_t>(c)) return false;
+  }
+  return true;
+}
+
+int CPDFBool::Parse(uint8_t firstChar) {
+  const uint8_t first = FirstByte(firstChar);
+  if (first != 't' && first != 'f') return -1;
+  value = first == 't';
+  if (!Expect(value ? "rue" : "alse")) return -1;
+  lastChar = source_->GetByte();
+  return 0;
+}
+
+int CPDFNull::Parse(uint8_t firstChar) {
+  if (FirstByte(firstChar) != 'n' || !Expect("ull")) return -1;
+  lastChar = source_->GetByte();
+  return 0;
+}
+
+int CPDFNumeric::Parse(uint8_t firstChar) {
+  char text[limits::kTokenText + 1];
+  size_t length = 0;
+  uint8_t c = FirstByte(firstChar);
+  for (; IsDigit(c) || c == '-' || c == '+' || c == '.'; c = source_->GetByte()) {
+    if (length < limits::kTokenText) text[length] = static_cast<char>(c);
+    ++length;
+  }
+  lastChar = c;
+  if (length == 0 || length > limits::kTokenText) return 1;
+  text[length] = 0;
+  realValue = RealFrom(text);
+  intValue = IntegerFrom(text);
+  return 0;
+}
+
+int CPDFNameObject::Parse(uint8_t firstChar) {
+  name.clear();
+  if (FirstByte(firstChar) != '/') return -1;
+  bool tooLong = false;
+  uint8_t c = source_->GetByte();
+  for (; c != 255 && !IsSpace(c) && c != '/' && c != '[' && c != ']' && c != '<' && c != '>' && c != '(' && c != ')';
+       c = source_->GetByte()) {
+    if (name.size() < limits::kTokenText) name += static_cast<char>(c);
+    else tooLong = true;
+  }
+  lastChar = c;
+  if (IsSpace(c)) SkipSpace();
+  return tooLong ? -1 : 0;
+}
+
+namespace {
+
+// Two numbers and then the letter, white space between them at will. `last` is the byte behind the letter's place.
+bool ParseTwoNumbers(CZVBaseIO &source, uint8_t first, int32_t &one, int32_t &two, uint8_t &last) {
+  CPDFNumeric number(source);
+  const bool gotOne = number.Parse(first) == 0;
+  one = number.intValue;
+  const bool gotTwo = gotOne && number.Parse(number.lastChar) == 0;
+  two = number.intValue;
+  last = number.lastChar;
+  while (gotTwo && IsSpace(last)) last = source.GetByte();
+  return gotTwo;
+}
+
+}  // namespace
+
+int CPDFIndirectObject::Parse(uint8_t firstChar) {
+  if (!ParseTwoNumbers(*source_, firstChar, objectNumber, generation, lastChar) || lastChar != 'R') return -1;
+  SkipSpace();
+  return 0;
+}
+
+std::unique_ptr<CPDFIndirectObject> CPDFIndirectObject::Copy() const {
+  auto copy = std::make_unique<CPDFIndirectObject>(*source_);
+  copy->objectNumber = objectNumber;
+  copy->generation = generation;
+  return copy;
+}
+
+int CPDFObjectIntro::Parse(uint8_t firstChar) {
+  if (!ParseTwoNumbers(*source_, firstChar, objectNumber, generation, lastChar) || lastChar != 'o') return -1;
+  source_->GetByte();  // "b" and "j", unseen; the byte behind them is the object's first
+  source_->GetByte();
+  lastChar = source_->GetByte();
+  return 0;
+}
+
+int CPDFString::Parse(uint8_t firstChar) {
+  bytes.clear();
+  wide = false;
+  const uint8_t first = FirstByte(firstChar);
+  if (first == '(') return ParseLiteral();
+  return first == '<' ? ParseHexadecimal() : -1;
+}
+
+namespace {
+
+// Reads a literal string's bytes; one byte can be pushed back, since the byte behind an octal number counts again.
+class LiteralReader {
+ public:
+  explicit LiteralReader(CZVBaseIO &source) : source_(source) {}
+
+  // False at the end of the source.
+  bool Next(uint8_t &c) {
+    if (pushed_) {
+      pushed_ = false;
+      c = held_;
+      return !heldEnd_;
+    }
+    c = source_.GetByte();
+    return !source_.AtEnd();
+  }
+  void Push(uint8_t c, bool ended) {
+    held_ = c;
+    heldEnd_ = ended;
+    pushed_ = true;
+  }
+
+  // The byte that a backslash and `c` stand for; false when they stand for none.
+  bool Escape(uint8_t c, uint8_t &byte) {
+    switch (c) {
+      case '\r': return false;  // the byte behind it, often a line feed, counts as it stands
+      case 'b': byte = 8; return true;
+      case 'f': byte = 12; return true;
+      case 'n': byte = 10; return true;
+      case 'r': byte = 13; return true;
+      case 't': byte = 9; return true;
+      default: break;
+    }
+    byte = IsDigit(c) ? Octal(c) : c;
+    return true;
+  }
+
+ private:
+  // Up to three digits. Hexadecimal letters pass the test for the second and third one and count by their code.
+  uint8_t Octal(uint8_t first) {
+    unsigned value = first - '0';
+    for (int i = 0; i < 2; ++i) {
+      uint8_t c;
+      const bool more = Next(c);
+      if (!more || HexValue(c) < 0) {
+        Push(c, !more);
+        break;
+      }
+      value = value * 8 + (c - '0');
+    }
+    return static_cast<uint8_t>(value);
+  }
+
+  CZVBaseIO &source_;
+  uint8_t held_ = 0;
+  bool heldEnd_ = false;
+  bool pushed_ = false;
+};
+
+}  // namespace
+
+int CPDFString::ParseLiteral() {
+  LiteralReader reader(*source_);
+  uint8_t c;
+  while (reader.Next(c) && c != ')') {
+    if (c == '\\' && (!reader.Next(c) || !reader.Escape(c, c))) continue;
+    bytes += static_cast<char>(c);
+  }
+  lastChar = source_->GetByte();
+  if (source_->AtEnd() || IsSpace(lastChar)) SkipSpace();
+  return 0;
+}
+
+int CPDFString::ParseHexadecimal() {
+  uint8_t c = SkipSpace();
+  for (int high; (high = HexValue(c)) >= 0;) {
+    const int low = HexValue(c = SkipSpace());
+    bytes += static_cast<char>(high << 4 | (low < 0 ? 0 : low));
+    if (low < 0) break;
+    c = SkipSpace();
+  }
+  if (bytes.empty()) return -1;
+  if (c != '>') return 0;
+  if (bytes.size() >= 2 && bytes[0] == '\xFE' && bytes[1] == '\xFF') {
+    wide = true;
+    bytes.erase(0, 2);
+    for (size_t i = 0; i + 1 < bytes.size(); i += 2) std::swap(bytes[i], bytes[i + 1]);
+  }
+  lastChar = source_->GetByte();
+  if (IsSpace(lastChar)) SkipSpace();
+  return 0;
+}
+
+}  // namespace kapdf
