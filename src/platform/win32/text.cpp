@@ -26,9 +26,15 @@ std::string ToNarrow(std::u16string_view text, uint32_t codePage) {
   const UINT page = KnownPage(codePage);
   const auto *from = reinterpret_cast<const wchar_t *>(text.data());
   const int count = Length(text);
-  const int size = WideCharToMultiByte(page, 0, from, count, nullptr, 0, nullptr, nullptr);
-  std::string out(static_cast<size_t>(size > 0 ? size : 0), '\0');
-  WideCharToMultiByte(page, 0, from, count, out.data(), size, nullptr, nullptr);
+  // Similar letters do not stand in for others ("?" does); some pages take no flags at all.
+  DWORD flags = WC_NO_BEST_FIT_CHARS;
+  int size = WideCharToMultiByte(page, flags, from, count, nullptr, 0, nullptr, nullptr);
+  if (size == 0) {
+    flags = 0;
+    size = WideCharToMultiByte(page, flags, from, count, nullptr, 0, nullptr, nullptr);
+  }
+  std::string out(static_cast<size_t>(size), '\0');
+  WideCharToMultiByte(page, flags, from, count, out.data(), size, nullptr, nullptr);
   return out;
 }
 

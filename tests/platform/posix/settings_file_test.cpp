@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+#include <vector>
+
+#include "platform/file.h"
+#include "platform/settings.h"
+
+namespace kapdf::platform {
+namespace {
+
+// Each test has an empty folder of its own and a settings file in it that is not there yet.
+class SettingsFile : public testing::Test {
+ protected:
+  void SetUp() override {
+    folder_ = std::filesystem::absolute(testing::UnitTest::GetInstance()->current_test_info()->name());
+    std::filesystem::remove_all(folder_);
+    std::filesystem::create_directory(folder_);
+    path_ = folder_ / "settings.ini";
+    setenv("KAPDF_SETTINGS", path_.c_str(), 1);
+  }
+  void TearDown() override { std::filesystem::remove_all(folder_); }
+
+  void Put(std::string_view text) const { std::ofstream(path_, std::ios::binary) << text; }
+  std::string Get() const {
+    std::ifstream file(path_, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  const Settings key_{u"", u"\\PDF"};
+  std::filesystem::path folder_, path_;
+};
+
+TEST_F(SettingsFile, ReadingNeverMakesTheFile) {
+  EXPECT_EQ(3, key_.ReadInteger(u"A", 3));
+  key_.CreateKey();
+  EXPECT_TRUE(key_.RemoveKey());
+  EXPECT_TRUE(std::filesystem::is_empty(folder_));
+}
+
+TEST_F(SettingsFile, TheDefaultPathIsTheSection) {
+  Put("[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=4\n");
+  EXPECT_EQ(4, key_.ReadInteger(u"A", 3));
+}
+
+TEST_F(SettingsFile, ChangesShowAtOnce) {
+  for (int i = 0; i < 50; ++i) {  // the same size each time, within one tick of the file system's clock
+    Put("[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=" + std::to_string(10 + i));
+    ASSERT_EQ(10 + i, key_.ReadInteger(u"A", 0));
+  }
+}
+
+TEST_F(SettingsFile, IsFoundInTheUsersFolders) {
+  unsetenv("KAPDF_SETTINGS");
+  setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
+  ASSERT_TRUE(key_.WriteInteger(u"A", 1));
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "config/kaPDF/settings.ini"));
+  unsetenv("XDG_CONFIG_HOME");
+  setenv("HOME", folder_.c_str(), 1);
+  EXPECT_EQ(0, key_.ReadInteger(u"A", 0));
+  ASSERT_TRUE(key_.WriteInteger(u"A", 2));
+  EXPECT_TRUE(std::filesystem::exists(folder_ / ".config/kaPDF/settings.ini"));
+}
+
+TEST_F(SettingsFile, LinksAndRightsStay) {
+  std::ofstream(folder_ / "real.ini") << "; mine\n";
+  chmod((folder_ / "real.ini").c_str(), 0600);
+  std::filesystem::create_symlink("real.ini", path_);
+  ASSERT_TRUE(key_.WriteInteger(u"A", 1));
+  EXPECT_TRUE(std::filesystem::is_symlink(path_));
+  EXPECT_EQ("; mine\n\n[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=1\n", Get());
+  struct stat status = {};
+  ASSERT_EQ(0, stat(path_.c_str(), &status));
+  EXPECT_EQ(0600u, status.st_mode & 0777);
+}
+
+TEST_F(SettingsFile, WritersAtTheSameTimeLoseNothing) {
+  std::vector<std::thread> writers;
+  for (char16_t name : {u'A', u'B', u'C', u'D'}) {
+    writers.emplace_back([this, name] {
+      for (int i = 1; i <= 10; ++i) key_.WriteInteger(std::u16string(1, name), i);
+    });
+  }
+  for (std::thread &writer : writers) writer.join();
+  for (char16_t name : {u'A', u'B', u'C', u'D'}) EXPECT_EQ(10, key_.ReadInteger(std::u16string(1, name), 0));
+}
+
+TEST_F(SettingsFile, AFolderInItsPlaceGivesFallbacks) {
+  std::filesystem::create_directory(path_);
+  EXPECT_EQ(3, key_.ReadInteger(u"A", 3));
+  EXPECT_FALSE(key_.WriteInteger(u"A", 1));
+}
+
+TEST(FileOnPosix, PipesAndDevicesAreNotReadAndHoldNobodyUp) {
+  unlink("pipe");
+  ASSERT_EQ(0, mkfifo("pipe", 0600));
+  EXPECT_FALSE(OpenFile(u"pipe", "rb", Share::kRead));
+  EXPECT_FALSE(OpenFile(u"pipe", "wb", Share::kExclusive));
+  EXPECT_FALSE(OpenFile(u"/dev/zero", "rb", Share::kRead));
+  EXPECT_FALSE(OpenFile(u"/dev/null", "r+b", Share::kRead));
+  EXPECT_TRUE(OpenFile(u"/dev/null", "wb", Share::kExclusive));
+  unlink("pipe");
+}
+
+TEST(FileOnPosix, NamesAndFolders) {
+  EXPECT_EQ(u"c", FileNameOf(u"/a\\b/c"));
+  EXPECT_EQ(u"c", FileNameOf(u"c"));
+  EXPECT_EQ(u"", FileNameOf(u"a/"));
+  EXPECT_EQ(u"/a\\b/", FolderOf(u"/a\\b/c"));
+  EXPECT_EQ(u"", FolderOf(u"a\\c"));
+  EXPECT_EQ(u"/tmp/x.txt", DiagnosticPath("x.txt"));
+}
+
+}  // namespace
+}  // namespace kapdf::platform

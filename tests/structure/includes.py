@@ -1,0 +1,134 @@
+"""Walks the #include lines of src/, tools/ and include/ and tells what breaks the order of the house.
+
+    includes.py ROOT
+
+Rooms include one way only, headers form no circle, and only folders named win32 or posix know an operating system.
+"""
+import pathlib
+import re
+import sys
+
+# What a room may include beside itself, include/kapdf and src/base: these rooms, and what they may include.
+ARROWS = {
+    "base": [],
+    "platform": [],
+    "geometry": [],
+    "io": ["platform", "geometry"],
+    "pdfmodel": ["io"],
+    "raster": ["pdfmodel"],
+    "fonts": ["pdfmodel"],
+    "content": ["raster", "fonts"],
+    "writer": ["pdfmodel", "fonts"],
+    "filter": ["content", "writer"],
+}
+
+# Headers in angle brackets with a dot that belong to no operating system; those without one are C++'s own.
+PORTABLE = {"assert.h", "ctype.h", "errno.h", "float.h", "inttypes.h", "limits.h", "locale.h", "math.h", "setjmp.h",
+            "signal.h", "stdarg.h", "stdbool.h", "stddef.h", "stdint.h", "stdio.h", "stdlib.h", "string.h", "time.h",
+            "uchar.h", "wchar.h", "zlib.h", "jpeglib.h", "jerror.h", "jbig2.h", "ft2build.h", "openjpeg.h", "png.h",
+            "nlohmann/json.hpp", "CLI/CLI.hpp"}
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')
+SYSTEM_TEST = re.compile(r"^\s*#\s*(?:if|ifdef|ifndef|elif)\b.*\b_*(?:WIN32|WIN64|MINGW\w*|MSC_VER|linux|unix|APPLE|GLIBC)_*\b")
+
+
+def reach(room):
+    rooms, todo = {"base"}, [room]
+    while todo:
+        next_room = todo.pop()
+        if next_room not in rooms or next_room == "base":
+            rooms.add(next_room)
+            todo += ARROWS[next_room]
+    return rooms
+
+
+def sources(folder):
+    return sorted(p for p in folder.rglob("*") if p.suffix in (".h", ".cpp", ".c", ".hpp", ".inc"))
+
+
+def knows_system(path, root):
+    parts = path.relative_to(root).parts
+    return parts[:2] in (("src", "platform"), ("tools", "kapdf")) and bool({"win32", "posix"} & set(parts[:-1]))
+
+
+def check(root):
+    """Returns the list of violations and the number of files seen."""
+    root = pathlib.Path(root)
+    found, graph, seen = [], {}, 0
+    for top in ("src", "tools", "include"):
+        for path in sources(root / top):
+            seen += 1
+            place = path.relative_to(root).as_posix()
+            room = path.relative_to(root / top).parts[0]
+            if top == "src" and room not in ARROWS:
+                found.append(f"{place}: {room} is no room of the house")
+                continue
+            for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+                where = f"{place}:{number}"
+                if SYSTEM_TEST.match(line) and not knows_system(path, root):
+                    found.append(f"{where}: asks for the operating system outside of the platform")
+                match = INCLUDE.match(line)
+                if not match:
+                    continue
+                quoted, angled = match.groups()
+                if angled:
+                    portable = "." not in angled or angled in PORTABLE
+                    if not portable and not knows_system(path, root):
+                        found.append(f"{where}: <{angled}> is no portable header")
+                    continue
+                target = resolve(root, top, path, quoted)
+                if target is None:
+                    found.append(f'{where}: "{quoted}" is not found from this place')
+                    continue
+                graph.setdefault(path, []).append(target)
+                if top == "src" and (root / "src") in target.parents:
+                    other = target.relative_to(root / "src").parts[0]
+                    if other not in reach(room):
+                        found.append(f"{where}: {room} may not include {other}")
+                    if knows_system(target, root) and other != room:
+                        found.append(f"{where}: {quoted} belongs to the inside of the platform")
+                elif top != "src" and (root / "src") in target.parents:
+                    found.append(f"{where}: {top} knows src/ through include/kapdf only")
+    return found + circles(root, graph), seen
+
+
+def resolve(root, top, path, name):
+    bases = {"src": [root / "src"], "tools": [path.parent, root / "tools" / "kapdf"], "include": []}[top]
+    for base in bases + [root / "include"]:
+        target = (base / name).resolve()
+        if target.is_file():
+            return target
+    return None
+
+
+def circles(root, graph):
+    found, done, path = [], set(), []
+
+    def visit(node):
+        if node in path:
+            ring = path[path.index(node):] + [node]
+            found.append("circle: " + " -> ".join(p.relative_to(root).as_posix() for p in ring))
+            return
+        if node in done:
+            return
+        path.append(node)
+        for target in graph.get(node, []):
+            visit(target)
+        path.pop()
+        done.add(node)
+
+    for start in sorted(graph):
+        visit(start)
+    return found
+
+
+def main():
+    violations, seen = check(pathlib.Path(sys.argv[1]).resolve())
+    for line in violations:
+        print(line)
+    print(f"{seen} files, {len(violations)} violations")
+    return 1 if violations or seen == 0 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
