@@ -1,0 +1,67 @@
+#include <cstdio>
+#include <set>
+
+#include "commands.h"
+#include "page_reader.h"
+#include "shapes.h"
+#include "summary.h"
+#include "utf.h"
+
+namespace kapdf::tool {
+namespace {
+
+class Counter : public RecordSink {
+ public:
+  Outcome BeginPage(int, int) override { return {}; }
+  Outcome Take(const ElementRecord &record) override {
+    counts_.Count(record.kind);
+    if (record.section != 3) box_.Merge(BoundsOf(record, 0));
+    return {};
+  }
+  Outcome EndPage() override { return {}; }
+
+  const KindCounts &counts() const { return counts_; }
+  const Box &box() const { return box_; }
+
+ private:
+  KindCounts counts_;
+  Box box_;
+};
+
+std::string TellBox(const Box &box) {
+  if (box.empty()) return "none";
+  char text[160];
+  std::snprintf(text, sizeof text, "%.3f %.3f to %.3f %.3f mm", box.xmin, box.ymin, box.xmax, box.ymax);
+  return text;
+}
+
+}  // namespace
+
+Outcome RunInfo(const Session &session, const InfoRequest &request) {
+  PageReader reader(session, request.file);
+  if (Outcome opened = reader.Open(); !opened.ok()) return opened;
+  std::ostream &out = session.streams.out;
+  const FilterInfo &info = session.module.info();
+  out << "file       " << request.file << "\n"
+      << "form       " << ToUtf8(reader.FormatName()) << "\n"
+      << "pages      " << reader.pages() << "\n"
+      << "module     " << session.module.path() << "\n"
+      << "version    " << (info.versionText != nullptr ? ToUtf8(info.versionText) : "") << "\n"
+      << "maker      " << (info.makerName != nullptr ? ToUtf8(info.makerName) : "") << "\n"
+      << std::flush;
+  if (reader.pages() < 1) return {};
+  if (request.page < 1 || request.page > reader.pages()) {
+    return Fail(request.file + " has no page " + std::to_string(request.page) + "; its pages are 1 to " +
+                std::to_string(reader.pages()));
+  }
+  Counter counter;
+  Progress progress(session.streams.err, session.showProgress);
+  const Outcome read = reader.Read(request.page, "", progress, counter);
+  progress.Clear();
+  if (!read.ok()) return read;
+  out << "page " << request.page << "     " << counter.counts().Tell() << "\n"
+      << "elements   " << TellBox(counter.box()) << "\n";
+  return {};
+}
+
+}  // namespace kapdf::tool

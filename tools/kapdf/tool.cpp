@@ -1,0 +1,151 @@
+#include "tool.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+#include "progress.h"
+#include "settings.h"
+#include "utf.h"
+
+namespace kapdf::tool {
+namespace {
+
+constexpr const char *kFooter = R"(
+Examples
+  kapdf info plan.pdf
+      How many pages, and what is on the first one.
+  kapdf import plan.pdf -o plan.svg
+      See what came in: layers are groups, open it in any browser.
+  kapdf import plan.pdf --page 2 -o plan.jsonl
+      The elements of page 2, one to a line, in millimetres.
+  kapdf import plan.pdf | grep '"kind":"circle"'
+      Without -o the lines go to the standard output.
+  kapdf export plan.jsonl -o new.pdf --options "/frame 5 /origin 1"
+      A PDF of the drawing with a frame of 5 mm.
+  kapdf import map.pdf --all --set FitTolerance=0.01 -o map.jsonl
+      A setting for this run only; the user's own settings stay as they are.
+
+Exit status: 0 done, 1 failed, 2 wrong usage, 130 stopped with Ctrl-C.
+A failure is one sentence with the module's result code.)";
+
+struct CommandLine {
+  std::string library;
+  std::vector<std::string> settings;
+  bool quiet = false;
+  InfoRequest info;
+  ImportRequest import;
+  ExportRequest exporting;
+};
+
+void AddCommon(CLI::App *command, CommandLine &line) {
+  command->add_option("--lib", line.library, "The module to load (else KAPDF_LIB, else the one beside the program)")
+      ->type_name("PATH");
+  command->add_option("--set", line.settings, "A setting for this run; may be repeated (--help-settings lists them)")
+      ->type_name("NAME=VALUE")
+      ->take_all()
+      ->expected(1);
+  command->add_flag("-q,--quiet", line.quiet, "No summary");
+}
+
+// The subcommands, in the order of Commands below.
+std::vector<CLI::App *> Declare(CLI::App &app, CommandLine &line) {
+  app.require_subcommand(1);
+  app.footer(kFooter);
+  app.get_formatter()->column_width(30);
+  app.add_flag_callback(
+      "--help-settings", [] { throw CLI::CallForVersion(SettingsHelp(), 0); }, "The names that --set takes, and exit");
+
+  CLI::App *info = app.add_subcommand("info", "Tell the pages of a PDF file, what is on one, and the module's version");
+  info->add_option("FILE", line.info.file, "The PDF file")->required();
+  info->add_option("--page", line.info.page, "The page to look at, from 1")->type_name("N");
+
+  CLI::App *import = app.add_subcommand("import", "Read pages of a PDF file as JSON Lines or SVG");
+  import->add_option("FILE", line.import.file, "The PDF file")->required();
+  CLI::Option *page = import->add_option("--page", line.import.page, "The page, from 1; the first if not given");
+  page->type_name("N");
+  import->add_flag("--all", line.import.all, "Every page; SVG goes to OUT-1.svg, OUT-2.svg, ...")->excludes(page);
+  import->add_option("--options", line.import.options, "Import options, for instance \"/mode 0 /text 1\"")->type_name("S");
+  import->add_option("-o", line.import.output, "OUT.jsonl or OUT.svg; JSON Lines to the standard output if not given")
+      ->type_name("OUT");
+
+  CLI::App *exporting = app.add_subcommand("export", "Write a drawing in JSON Lines as a PDF file");
+  exporting->add_option("DRAWING", line.exporting.drawing, "The drawing; - reads the standard input")->required();
+  exporting->add_option("-o", line.exporting.output, "The PDF file to write")->type_name("OUT")->required();
+  exporting->add_option("--page", line.exporting.page, "The page of a drawing that has several, from 1")->type_name("N");
+  exporting->add_option("--options", line.exporting.options, "Export options, for instance \"/frame 5 /origin 1\"")
+      ->type_name("S");
+
+  std::vector<CLI::App *> commands{info, import, exporting};
+  for (CLI::App *command : commands) AddCommon(command, line);
+  return commands;
+}
+
+std::string ModulePath(const CommandLine &line) {
+  if (!line.library.empty()) return AbsolutePath(line.library);
+  if (const std::string named = Environment("KAPDF_LIB"); !named.empty()) return AbsolutePath(named);
+  return Utf8Of(PathOf(ProgramFolder()) / PathOf(ModuleFileName()));
+}
+
+bool SameFile(const std::string &a, const std::string &b) {
+  std::error_code error;
+  return std::filesystem::equivalent(PathOf(a), PathOf(b), error) && !error;
+}
+
+// Everything that depends on the current directory, ahead of the module, which changes it.
+Outcome ResolvePaths(CommandLine &line) {
+  if (line.import.output == "-") line.import.output.clear();
+  for (std::string *path : {&line.info.file, &line.import.file, &line.import.output, &line.exporting.output}) {
+    if (!path->empty()) *path = AbsolutePath(*path);
+  }
+  if (line.exporting.drawing != "-") line.exporting.drawing = AbsolutePath(line.exporting.drawing);
+  if (SameFile(line.import.file, line.import.output) || SameFile(line.exporting.drawing, line.exporting.output)) {
+    return FailUsage("the output would overwrite the input");
+  }
+  return {};
+}
+
+Outcome Run(CommandLine &line, const std::vector<CLI::App *> &commands, const Streams &streams) {
+  std::vector<SettingValue> values;
+  for (const std::string &assignment : line.settings) {
+    if (Outcome parsed = ParseSetting(assignment, values); !parsed.ok()) return parsed;
+  }
+  if (Outcome resolved = ResolvePaths(line); !resolved.ok()) return resolved;
+  const std::string modulePath = ModulePath(line);
+
+  const InterruptGuard guard;
+  SettingsForRun settings;
+  if (std::string reason; !values.empty() && !settings.Store(values, reason)) return Fail(reason);
+  Module module;
+  if (Outcome loaded = module.Load(modulePath); !loaded.ok()) return loaded;
+  const bool terminal = &streams.err == &std::cerr && ErrorStreamIsTerminal();
+  const Session session{module, settings.RegistryPath(), streams, terminal && !line.quiet, line.quiet};
+  if (commands[0]->parsed()) return RunInfo(session, line.info);
+  if (commands[1]->parsed()) return RunImport(session, line.import);
+  return RunExport(session, line.exporting);
+}
+
+}  // namespace
+
+int RunTool(const std::vector<std::string> &words, const Streams &streams) {
+  CLI::App app("kapdf: PDF pages as drawing elements in millimetres, and drawings as PDF", "kapdf");
+  CommandLine line;
+  const std::vector<CLI::App *> commands = Declare(app, line);
+  try {
+    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+  } catch (const CLI::Success &help) {
+    return app.exit(help, streams.out, streams.err);
+  } catch (const CLI::ParseError &error) {
+    streams.err << "kapdf: " << error.what() << " (kapdf --help tells more)\n";
+    return kExitUsage;
+  }
+  Outcome outcome;
+  try {
+    outcome = Run(line, commands, streams);
+  } catch (const std::bad_alloc &) {
+    outcome = Fail("there is not enough memory for this");
+  }
+  if (!outcome.ok()) streams.err << "kapdf: " << outcome.sentence << "\n";
+  return outcome.status;
+}
+
+}  // namespace kapdf::tool
