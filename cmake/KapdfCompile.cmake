@@ -32,9 +32,16 @@ endif()
 target_compile_options(kapdf_options INTERFACE -ffunction-sections -fdata-sections)
 target_link_options(kapdf_options INTERFACE -Wl,--gc-sections)
 
+if(KAPDF_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
 if(KAPDF_SANITIZE)
   add_compile_options(-fsanitize=${KAPDF_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KAPDF_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # A host calls the slots by its own declaration of their types.
+    add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-sanitize=function>)
+  endif()
 endif()
 
 if(WIN32)

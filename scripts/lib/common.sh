@@ -3,7 +3,8 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 # What is costly to make and belongs to no checkout: Windows libraries, Wine's prefix, logs of installing.
-cache=${KAPDF_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/kapdf}
+cache=${KAPDF_CACHE:-${XDG_CACHE_HOME:-${HOME:-/root}/.cache}/kapdf}
+export KAPDF_CACHE=$cache # the toolchain and scripts/wine-run look there, too
 jobs=${KAPDF_JOBS:-$(nproc)}
 logs=$cache/log
 mkdir -p "$logs"
@@ -28,19 +29,19 @@ quietly() {
 # Logs may be handed around: they name no host of a mirror.
 without_hosts() { sed -E 's#https?://[^/ ]+#<archive>#g'; }
 
-as_root() {
-  if [ "$(id -u)" = 0 ]; then
-    "$@"
-  elif command -v sudo >/dev/null; then
-    sudo -n "$@" || fail "cannot become root without a password: run 'sudo $*' yourself, then this again"
-  else
-    fail "not root and no sudo: run '$*' as root, then this again"
-  fi
+root_command=()
+# Asks for a password only where somebody can type it.
+find_root_command() {
+  [ "$(id -u)" != 0 ] || return 0
+  command -v sudo >/dev/null || fail "these packages are missing: $*; there is no sudo, so install them as root"
+  root_command=(sudo)
+  [ -t 0 ] || sudo -n true 2>/dev/null || fail "these packages are missing: $*; sudo wants a password, so install them first"
+  sudo true || fail "sudo did not work"
 }
 
 apt() { # a quiet apt-get with patience for another one that is running
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get -y -q -o DPkg::Lock::Timeout=600 -o Acquire::Retries=3 "$@" \
-    2>&1 | without_hosts >>"$logs/apt.log"
+  "${root_command[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -y -q -o DPkg::Lock::Timeout=600 \
+    -o Acquire::Retries=3 "$@" 2>&1 </dev/null | without_hosts >>"$logs/apt.log"
 }
 
 # Installs those of the named packages that are missing; costs nothing when none is.
@@ -50,6 +51,7 @@ need() {
     dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
   done
   [ ${#missing[@]} -gt 0 ] || return 0
+  find_root_command "${missing[@]}"
   say "installing: ${missing[*]}"
   apt install --no-install-recommends "${missing[@]}" && return
   # No index, or one older than the archive.
@@ -61,8 +63,7 @@ need() {
 }
 
 packages_linux=(build-essential cmake ninja-build ccache zlib1g-dev libjpeg62-turbo-dev libjbig2dec0-dev libfreetype-dev
-  libopenjp2-7-dev libpng-dev libcli11-dev nlohmann-json3-dev)
-packages_tests=(libgtest-dev googletest libbenchmark-dev clang libclang-rt-14-dev python3 qpdf mupdf-tools poppler-utils
-  ghostscript gdal-bin)
+  libopenjp2-7-dev libpng-dev libcli11-dev nlohmann-json3-dev libgtest-dev libbenchmark-dev python3)
+packages_tests=(googletest clang libclang-rt-14-dev qpdf mupdf-tools poppler-utils ghostscript gdal-bin)
 packages_windows=(g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64 nasm patch xz-utils bzip2
   ca-certificates)
