@@ -87,13 +87,13 @@ def check(root):
                         found.append(f"{where}: {room} may not include {other}")
                     if knows_system(target, root) and other != room:
                         found.append(f"{where}: {quoted} belongs to the inside of the platform")
-                elif top != "src" and (root / "src") in target.parents:
-                    found.append(f"{where}: {top} knows src/ through include/kapdf only")
+                elif top == "tools" and (root / "src") in target.parents and (root / "src/base") not in target.parents:
+                    found.append(f"{where}: tools know src/ through include/kapdf and src/base only")
     return found + circles(root, graph), seen
 
 
 def resolve(root, top, path, name):
-    bases = {"src": [root / "src"], "tools": [path.parent, root / "tools" / "kapdf"], "include": []}[top]
+    bases = {"src": [root / "src"], "tools": [path.parent, root / "tools" / "kapdf", root / "src"], "include": []}[top]
     for base in bases + [root / "include"]:
         target = (base / name).resolve()
         if target.is_file():
