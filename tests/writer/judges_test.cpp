@@ -1,0 +1,118 @@
+// Written files before programs that others made.
+#include <array>
+#include <cstdlib>
+#include <fstream>
+
+#include "sheet.h"
+
+namespace kapdf {
+namespace {
+
+constexpr bool kLinux = std::filesystem::path::preferred_separator == '/';
+
+// Every kind, three layers of which one is off, and a clear polygon.
+std::string WriteDrawing(const TestSettings &settings, const char *name, double size = 200) {
+  const std::string narrow = name;
+  Sheet sheet(settings, std::u16string(narrow.begin(), narrow.end()), size, size / 2);
+  sheet.Start().Layer(u"Walls", 1, 1).Layer(u"Hidden", 3, 0.5, true).Layer(u"Areas", 170);
+  sheet.writer().BeginSection(4);
+  const double s = size / 200;
+  sheet.DrawLine(5 * s, 5 * s, 60 * s, 40 * s, 0, u"Walls");
+  sheet.DrawLine(0, 0, 200 * s, 100 * s, 0, u"Hidden");
+  double zigzag[] = {10, 60, 20, 90, 30, 60, 40, 90, 50, 60};
+  for (double &value : zigzag) value *= s;
+  PolylinePayload polyline{};
+  polyline.width = 2;
+  polyline.vertexCount = 5;
+  polyline.vertices = zigzag;
+  sheet.Draw(ElemPolyline, polyline, u"Areas", 4);
+  sheet.Draw(ElemCircle, CirclePayload{1, 90 * s, 75 * s, 15 * s}, u"Areas", 0x8000A0FF);
+  sheet.Draw(ElemArc, ArcPayload{3, 90 * s, 30 * s, 15 * s, 4.0, -0.5}, u"Areas", 5);
+  sheet.Draw(ElemEllipseArc, EllipseArcPayload{1, 140 * s, 70 * s, 25 * s, 10 * s, 0.6, 0, 0}, u"Areas", 6);
+  sheet.Draw(ElemSolid, SolidPayload{110 * s, 10 * s, 130 * s, 10 * s, 125 * s, 30 * s, 115 * s, 30 * s}, u"Walls");
+  for (uint32_t style : {0u, 2u}) {
+    PointPayload point{};
+    point.size = 6 * s;
+    point.x = (110 + 10 * style) * s;
+    point.y = 42 * s;
+    point.pointStyle = style;
+    sheet.Draw(ElemPoint, point, u"Areas", 7);
+  }
+  double holed[] = {140, 5, 195, 5, 195, 50, 140, 50, 155, 15, 180, 15, 180, 40, 155, 40};
+  for (double &value : holed) value *= s;
+  uint32_t starts[] = {0, 4, 8};
+  FilledPolygonPayload polygon{};
+  polygon.width = 1;
+  polygon.contourCount = 2;
+  polygon.contourStarts = starts;
+  polygon.vertexCount = 8;
+  polygon.vertices = holed;
+  polygon.opacity = 40;
+  polygon.strokeToo = 1;
+  sheet.Draw(ElemFilledPolygon, polygon, u"Areas", 0x80208020);
+  sheet.writer().EndSection(4);
+  sheet.Finish();
+  return narrow;
+}
+
+// Standard output and error of a command, ahead of its exit status. What mutool says about its own build is left out.
+std::string Output(const std::string &command) {
+  const int status = std::system((command + " > judge.txt 2>&1").c_str());
+  std::ifstream file("judge.txt", std::ios::binary);
+  const std::string text(std::istreambuf_iterator<char>(file), {});
+  static const std::regex ownBuild("warning: ICC support is not available\n");
+  return std::regex_replace(text, ownBuild, "") + "[" + std::to_string(status) + "]";
+}
+
+TEST(Judges, AcceptWhatIsWritten) {
+  if (!kLinux || std::getenv("KAPDF_NO_JUDGES")) GTEST_SKIP() << "the judges run on Linux";
+  const TestSettings settings;
+  std::vector<std::string> files = {WriteDrawing(settings, "drawing.pdf"), WriteDrawing(settings, "large.pdf", 9000)};
+  Sheet(settings, u"empty.pdf").Start().Finish();
+  files.push_back("empty.pdf");
+  settings.pdf().WriteInteger(u"PDFA", 1);
+  files.push_back(WriteDrawing(settings, "archive.pdf"));
+  for (const std::string &file : files) {
+    SCOPED_TRACE(file);
+    const std::string checked = Output("qpdf --check " + file);
+    EXPECT_NE(checked.find("No syntax or stream encoding errors found"), std::string::npos) << checked;
+    EXPECT_TRUE(checked.ends_with("[0]")) << checked;
+    EXPECT_EQ(checked.find("WARNING"), std::string::npos) << checked;
+    EXPECT_EQ(Output("mutool draw -q -r 20 -o judge.pnm " + file), "[0]");
+    EXPECT_EQ(Output("pdftoppm -r 20 " + file + " judge"), "[0]");
+    EXPECT_EQ(Output("gs -q -dBATCH -dNOPAUSE -dPDFSTOPONERROR -sDEVICE=nullpage " + file), "[0]");
+  }
+}
+
+// How many pixels a reader paints in each of three places: a hidden line, the fill and the hole of the clear polygon.
+TEST(Judges, SeeLayersHolesAndOpacity) {
+  if (!kLinux || std::getenv("KAPDF_NO_JUDGES")) GTEST_SKIP() << "the judges run on Linux";
+  const TestSettings settings;
+  const std::string file = WriteDrawing(settings, "seen.pdf");
+  ASSERT_EQ(Output("mutool draw -q -r 72 -c rgb -A 0 -o seen.pnm " + file), "[0]");
+  std::ifstream image("seen.pnm", std::ios::binary);
+  std::string magic;
+  int width = 0, height = 0, most = 0;
+  image >> magic >> width >> height >> most;
+  ASSERT_EQ(magic, "P6");
+  image.get();
+  const std::string pixels(std::istreambuf_iterator<char>(image), {});
+  ASSERT_EQ(pixels.size(), static_cast<size_t>(width) * static_cast<size_t>(height) * 3);
+  const auto at = [&](double x, double y) {  // millimetres of the drawing, whose frame is 2 mm wide
+    const auto column = static_cast<size_t>((x + 2) * 72 / 25.4);
+    const auto row = static_cast<size_t>(height - (y + 2) * 72 / 25.4);
+    const auto *rgb =
+        reinterpret_cast<const uint8_t *>(pixels.data()) + (row * static_cast<size_t>(width) + column) * 3;
+    return std::array<int, 3>{rgb[0], rgb[1], rgb[2]};
+  };
+  const std::array<int, 3> white = {255, 255, 255};
+  EXPECT_EQ(at(100, 50), white) << "a layer that is off";
+  EXPECT_EQ(at(167, 27), white) << "a hole";
+  const std::array<int, 3> clear = at(147, 27);
+  EXPECT_NEAR(clear[0], 255 - 0.4 * (255 - 0x20), 3);
+  EXPECT_NEAR(clear[1], 255 - 0.4 * (255 - 0x80), 3);
+  EXPECT_EQ(at(120, 20), (std::array<int, 3>{255, 0, 0})) << "a solid in its layer's colour";
+}
+
+}  // namespace
+}  // namespace kapdf

@@ -1,0 +1,142 @@
+// One document written in memory's stead: a file in the test's own folder, driven as the filter drives the writer.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <regex>
+#include <string>
+#include <string_view>
+
+#include "platform/file.h"
+#include "platform/settings.h"
+#include "writer/write_file.h"
+
+namespace kapdf {
+
+// Settings of one test, below a path of its own.
+class TestSettings {
+ public:
+  TestSettings() : path_(u"Software\\kaPDF writer test"), pdf_(path_, u"\\PDF") {
+    platform::Settings(path_, u"").RemoveKey();
+    pdf_.WriteString(u"Author", u"Ada");
+  }
+  ~TestSettings() { platform::Settings(path_, u"").RemoveKey(); }
+  const platform::Settings &pdf() const { return pdf_; }
+  const std::u16string &path() const { return path_; }
+
+ private:
+  std::u16string path_;
+  platform::Settings pdf_;
+};
+
+inline ElementRecord RecordOf(uint32_t kind, void *payload, std::u16string_view layer = u"A",
+                              uint32_t color = KAPDF_COLOR_BY_LAYER) {
+  ElementRecord record{};
+  record.kind = kind;
+  record.payload = payload;
+  record.color = color;
+  layer.copy(record.layerName, 255);
+  return record;
+}
+
+class Sheet {
+ public:
+  explicit Sheet(const TestSettings &settings, std::u16string_view name = u"sheet.pdf", double width = 100,
+                 double height = 50)
+      : name_(name) {
+    info_.xmax = width;
+    info_.ymax = height;
+    info_.pageIndex = -1;
+    stream_ = platform::OpenFile(name_, "w+b", platform::Share::kAll);
+    writer_.emplace(stream_.get(), settings.path(), u"C:\\folder/" + name_);
+  }
+  CPDFWriteFile &writer() { return *writer_; }
+  FileInfo &info() { return info_; }
+
+  // Starts the document and ends section 2, as a host does that draws in section 4.
+  Sheet &Start() {
+    EXPECT_EQ(writer_->Start(info_), FilterOk);
+    writer_->BeginSection(2);
+    writer_->EndSection(2);
+    return *this;
+  }
+  Sheet &Layer(std::u16string name, uint32_t color = 7, double width = -1, bool off = false) {
+    LayerDefPayload layer{};
+    layer.name = name.data();
+    layer.color = color;
+    layer.width = width;
+    layer.layerOff = off;
+    EXPECT_EQ(writer_->Define(RecordOf(ElemLayerDef, &layer)), FilterConsumed);
+    return *this;
+  }
+  Sheet &LineType(std::u16string name, uint32_t segments) {
+    LineTypeDefPayload type{};
+    type.name = name.data();
+    type.segmentCount = segments;
+    EXPECT_EQ(writer_->Define(RecordOf(ElemLineTypeDef, &type)), FilterConsumed);
+    return *this;
+  }
+  template <class Payload>
+  uint32_t Draw(uint32_t kind, Payload payload, std::u16string_view layer = u"A", uint32_t color = 256) {
+    ElementRecord record = RecordOf(kind, &payload, layer, color);
+    return writer_->WriteElement(record);
+  }
+  uint32_t DrawLine(double x1, double y1, double x2, double y2, double width = 0.25, std::u16string_view layer = u"A",
+                    uint32_t color = 256) {
+    return Draw(ElemLine, LinePayload{width, x1, y1, x2, y2}, layer, color);
+  }
+  std::string Finish() {
+    writer_->Finish();
+    return Bytes();
+  }
+  std::string Bytes() {
+    writer_.reset();
+    stream_.reset();
+    std::ifstream file(std::filesystem::path(name_), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+ private:
+  std::u16string name_;
+  FileInfo info_{};
+  platform::FileHandle stream_;
+  std::optional<CPDFWriteFile> writer_;
+};
+
+inline std::string Inflate(std::string_view coded) {
+  std::string plain(coded.size() * 1100 + 1024, '\0');
+  uLongf size = plain.size();
+  EXPECT_EQ(uncompress(reinterpret_cast<Bytef *>(plain.data()), &size, reinterpret_cast<const Bytef *>(coded.data()),
+                       coded.size()),
+            Z_OK);
+  plain.resize(size);
+  return plain;
+}
+
+// Content of the only Flate stream.
+inline std::string ContentOf(const std::string &file) {
+  const size_t head = file.find("/FlateDecode\r>>\rstream\r\n");
+  if (head == std::string::npos) return {};
+  const size_t start = head + 24;
+  return Inflate(std::string_view(file).substr(start, file.find("\nendstream\rendobj\r", start) - start));
+}
+
+// The date of the Info dictionary, which is the only thing that differs from run to run.
+inline std::string WithoutDate(const std::string &file) {
+  static const std::regex date(R"(\(D:\d{14}\))");
+  EXPECT_TRUE(std::regex_search(file, date));
+  return std::regex_replace(file, date, "(D:)", std::regex_constants::format_first_only);
+}
+
+// Text between two marks, marks left out.
+inline std::string Between(const std::string &text, std::string_view from, std::string_view to) {
+  const size_t start = text.find(from);
+  if (start == std::string::npos) return "no " + std::string(from);
+  return text.substr(start + from.size(), text.find(to, start + from.size()) - start - from.size());
+}
+
+}  // namespace kapdf
