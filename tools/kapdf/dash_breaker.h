@@ -22,10 +22,10 @@ enum class DashResult {
   kNotMine   // not an element that can be broken
 };
 
-// Sends the pieces of `record` as records with a plain line type: lines and polylines stay such, circles and arcs become
-// arcs, ellipse arcs become ellipse arcs, of polygons the fill goes out first and each outline after it. The pattern
-// starts anew with each element and each contour. Elements that have no line to break go out plain.
-// `send` takes a record that is valid during the call, and answers false to stop.
+// Sends the pieces of `record` as records with a plain line type: lines and polylines stay such, circles and arcs
+// become arcs, ellipse arcs become ellipse arcs, of polygons the fill goes out first and each outline after it. The
+// pattern starts anew with each element and each contour. Elements that have no line to break go out plain. `send`
+// takes a record that is valid during the call, and answers false to stop.
 DashResult BreakIntoDashes(const ElementRecord &record, const DashPattern &pattern,
                            const std::function<bool(ElementRecord &)> &send);
 

@@ -127,7 +127,8 @@ void TellSummary(const Session &session, const ImportRequest &request, const Pag
 
 Outcome RunImport(const Session &session, const ImportRequest &request) {
   const bool svg = EndsWith(request.output, ".svg");
-  const bool lines = request.output.empty() || EndsWith(request.output, ".jsonl") || EndsWith(request.output, ".ndjson");
+  const bool lines =
+      request.output.empty() || EndsWith(request.output, ".jsonl") || EndsWith(request.output, ".ndjson");
   if (!svg && !lines) return FailUsage("the output must be named .jsonl or .svg, not " + request.output);
 
   PageReader reader(session, request.file);

@@ -57,7 +57,7 @@ class SettingsForRun {
 
  private:
   std::u16string path_;
-  std::string file_;             // posix: the temporary file
+  std::string file_;              // posix: the temporary file
   std::string previousVariable_;  // posix: what the environment variable said before
 };
 

@@ -27,9 +27,8 @@ Outcome PageReader::Read(int page, const std::string &options, Progress &progres
   info.pageIndex = page - 1;
   FilterContext context{};
   const std::u16string optionText = ToUtf16(options);
-  const uint32_t result =
-      filter_.table().OpenRead(filter_.get(), ToUtf16(file_).c_str(), &info, progress.object(),
-                               options.empty() ? nullptr : optionText.c_str(), &context, nullptr);
+  const uint32_t result = filter_.table().OpenRead(filter_.get(), ToUtf16(file_).c_str(), &info, progress.object(),
+                                                   options.empty() ? nullptr : optionText.c_str(), &context, nullptr);
   if (result != FilterOk) {
     return Fail("cannot open page " + std::to_string(page) + " of " + file_ + ": " + OpenResult(result));
   }

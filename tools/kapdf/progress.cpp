@@ -64,7 +64,8 @@ bool Progress::Report(double fraction) {
 void Progress::Draw(double fraction) {
   constexpr int kCells = 40;
   const int done = static_cast<int>(fraction * kCells);
-  std::string bar = "\r[" + std::string(static_cast<size_t>(done), '=') + std::string(static_cast<size_t>(kCells - done), ' ');
+  std::string bar =
+      "\r[" + std::string(static_cast<size_t>(done), '=') + std::string(static_cast<size_t>(kCells - done), ' ');
   bar += "] " + std::to_string(static_cast<int>(fraction * 100)) + " % ";
   out_ << bar << std::flush;
   drawn_ = true;

@@ -94,7 +94,8 @@ class RecordBuilder {
 
   bool ReadName(const char *key, std::u16string_view fallback, uint32_t &index) {
     std::u16string name(fallback);
-    if (const JsonValue *value = line_.Find(key); value != nullptr && !ReadText(*value, name)) return Wants(key, "a text");
+    if (const JsonValue *value = line_.Find(key); value != nullptr && !ReadText(*value, name))
+      return Wants(key, "a text");
     if (name.size() > 255) return Fault("\"" + std::string(key) + "\" is longer than 255 characters");
     index = names_.Add(name);
     return true;
@@ -204,7 +205,8 @@ class RecordBuilder {
   const JsonValue *PointList(size_t &stride) {
     const JsonValue *points = line_.Find("points");
     stride = points != nullptr ? StrideOf(*points) : 0;
-    const bool empty = points != nullptr && points->type == Type::kArray && points->ends.empty() && points->numbers.empty();
+    const bool empty =
+        points != nullptr && points->type == Type::kArray && points->ends.empty() && points->numbers.empty();
     if (stride == 0 && !empty) {
       Wants("points", "points: [[x, y], ...]");
       return nullptr;
@@ -224,7 +226,8 @@ class RecordBuilder {
     if ((stride != 0 && extra != stride - 2) || extra > 62) return Fault("\"extraPerVertex\" does not fit the points");
     WriteAt(payload.data(), offsetof(PolylinePayload, extraPerVertex), extra);
     WriteAt(payload.data(), offsetof(PolylinePayload, vertexCount), static_cast<int32_t>(points->ends.size()));
-    payload.Attach(offsetof(PolylinePayload, vertices), points->numbers.data(), points->numbers.size() * sizeof(double));
+    payload.Attach(offsetof(PolylinePayload, vertices), points->numbers.data(),
+                   points->numbers.size() * sizeof(double));
     record_.payloadBytes += static_cast<uint32_t>(points->numbers.size() * sizeof(double));
     return true;
   }

@@ -34,11 +34,23 @@ void AppendAttribute(std::string &out, const char *name, double value) {
 void AppendXml(std::string &out, std::string_view utf8) {
   for (const char c : utf8) {
     switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      case '\t': case '\n': case '\r': out += ' '; break;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      case '\t':
+      case '\n':
+      case '\r':
+        out += ' ';
+        break;
       default:
         if (static_cast<unsigned char>(c) < 0x20) {
           out += "\xEF\xBF\xBD";

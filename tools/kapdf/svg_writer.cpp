@@ -10,10 +10,10 @@
 namespace kapdf::tool {
 namespace {
 
-constexpr double kMargin = 2;               // mm of paper around the elements
-constexpr double kThinDashed = 0.1;         // mm: dashes of a hairline would be counted in pixels
+constexpr double kMargin = 2;                // mm of paper around the elements
+constexpr double kThinDashed = 0.1;          // mm: dashes of a hairline would be counted in pixels
 constexpr size_t kGroupsLookedThrough = 64;  // a layer scattered more widely starts anew
-constexpr uint32_t kNearlyWhite = 232;      // of 255, every component
+constexpr uint32_t kNearlyWhite = 232;       // of 255, every component
 
 std::string Hex(uint32_t packed) {
   constexpr char kDigits[] = "0123456789abcdef";
@@ -228,8 +228,8 @@ void SvgPage::DrawText(std::string &out, const ElementRecord &record, const Ink 
   AppendAttribute(out, "font-size", text.height);
   const auto font = fonts_.find(record.styleName);
   const std::u16string face = font != fonts_.end() && !font->second.empty() ? font->second
-                              : text.fontName != nullptr                         ? text.fontName
-                                                                                 : record.styleName;
+                              : text.fontName != nullptr                    ? text.fontName
+                                                                            : record.styleName;
   if (!face.empty()) {
     out += " font-family=\"";
     AppendXml(out, face);
@@ -269,9 +269,10 @@ void SvgPage::Finish(std::string &out, const std::string &title) const {
   box.Grow(kMargin);
   const std::string x = SvgNumber(box.xmin), y = SvgNumber(-box.ymax);
   const std::string width = SvgNumber(box.width()), height = SvgNumber(box.height());
-  out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" "
-         "xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\" width=\"" +
-         width + "mm\" height=\"" + height + "mm\" viewBox=\"" + x + " " + y + " " + width + " " + height + "\">\n<title>";
+  out +=
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" "
+      "xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\" width=\"" +
+      width + "mm\" height=\"" + height + "mm\" viewBox=\"" + x + " " + y + " " + width + " " + height + "\">\n<title>";
   AppendXml(out, std::string_view(title));
   out += "</title>\n<style>.hair{stroke-width:1px;vector-effect:non-scaling-stroke}</style>\n<rect x=\"" + x +
          "\" y=\"" + y + "\" width=\"" + width + "\" height=\"" + height + "\" fill=\"" +

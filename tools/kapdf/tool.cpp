@@ -64,14 +64,16 @@ std::vector<CLI::App *> Declare(CLI::App &app, CommandLine &line) {
   CLI::Option *page = import->add_option("--page", line.import.page, "The page, from 1; the first if not given");
   page->type_name("N");
   import->add_flag("--all", line.import.all, "Every page; SVG goes to OUT-1.svg, OUT-2.svg, ...")->excludes(page);
-  import->add_option("--options", line.import.options, "Import options, for instance \"/mode 0 /text 1\"")->type_name("S");
+  import->add_option("--options", line.import.options, "Import options, for instance \"/mode 0 /text 1\"")
+      ->type_name("S");
   import->add_option("-o", line.import.output, "OUT.jsonl or OUT.svg; JSON Lines to the standard output if not given")
       ->type_name("OUT");
 
   CLI::App *exporting = app.add_subcommand("export", "Write a drawing in JSON Lines as a PDF file");
   exporting->add_option("DRAWING", line.exporting.drawing, "The drawing; - reads the standard input")->required();
   exporting->add_option("-o", line.exporting.output, "The PDF file to write")->type_name("OUT")->required();
-  exporting->add_option("--page", line.exporting.page, "The page of a drawing that has several, from 1")->type_name("N");
+  exporting->add_option("--page", line.exporting.page, "The page of a drawing that has several, from 1")
+      ->type_name("N");
   exporting->add_option("--options", line.exporting.options, "Export options, for instance \"/frame 5 /origin 1\"")
       ->type_name("S");
 

@@ -12,7 +12,10 @@ bool IsLow(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 char32_t NextFromUtf8(std::string_view text, size_t &at) {
   const auto lead = static_cast<unsigned char>(text[at++]);
   if (lead < 0x80) return lead;
-  const int more = lead >= 0xF0 && lead < 0xF5 ? 3 : lead >= 0xE0 && lead < 0xF0 ? 2 : lead >= 0xC2 && lead < 0xE0 ? 1 : 0;
+  const int more = lead >= 0xF0 && lead < 0xF5   ? 3
+                   : lead >= 0xE0 && lead < 0xF0 ? 2
+                   : lead >= 0xC2 && lead < 0xE0 ? 1
+                                                 : 0;
   if (more == 0) return kReplacement;
   char32_t value = lead & (0x3F >> more);
   size_t behind = at;

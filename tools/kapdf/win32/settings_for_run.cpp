@@ -19,7 +19,8 @@ class Key {
  public:
   static Key Open(const std::wstring &path) {
     Key key;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key.handle_) != ERROR_SUCCESS) key.handle_ = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key.handle_) != ERROR_SUCCESS)
+      key.handle_ = nullptr;
     return key;
   }
   static Key Create(const std::wstring &path) {

@@ -1,0 +1,170 @@
+// Dashes and SVG, straight from records.
+#include "drawing.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <sstream>
+
+#include "dash_breaker.h"
+#include "svg_writer.h"
+
+namespace kapdf::tool {
+namespace {
+
+// The drawing's records as a module would hand them out.
+template <class Use>
+void ForEach(const std::string &lines, Use use) {
+  std::istringstream in(lines);
+  Drawing drawing;
+  const Outcome read = ReadDrawing(in, "test", {}, drawing);
+  ASSERT_TRUE(read.ok()) << read.sentence;
+  ElementRecord element{};
+  for (const Record &record : drawing.records) {
+    FillElement(record, drawing.names, element);
+    use(element);
+  }
+}
+
+// "x1,y1-x2,y2 ..." of lines and polylines; of arcs their angles as "start..end" in thousandths of a radian.
+std::string Pieces(const std::string &line, const DashPattern &pattern) {
+  std::ostringstream out;
+  ForEach(line, [&](const ElementRecord &element) {
+    BreakIntoDashes(element, pattern, [&](ElementRecord &piece) {
+      EXPECT_EQ(piece.styleName[0], 0);
+      if (piece.kind == ElemLine) {
+        LinePayload l;
+        std::memcpy(&l, piece.payload, sizeof l);
+        out << l.x1 << "," << l.y1 << "-" << l.x2 << "," << l.y2 << " ";
+      } else if (piece.kind == ElemPolyline) {
+        for (const Point p : VerticesOf(piece)) out << p.x << "," << p.y << "-";
+        out << " ";
+      } else if (const auto arc = ArcOf(piece)) {
+        out << std::lround(arc->start * 1000) << ".." << std::lround((arc->start + arc->sweep) * 1000) << " ";
+      } else {
+        out << "kind" << piece.kind << " ";
+      }
+      return true;
+    });
+  });
+  return out.str();
+}
+
+TEST(Dashes, CutEveryKindAlongItsLength) {
+  const struct {
+    const char *line;
+    DashPattern pattern;
+    const char *pieces;
+  } cases[] = {
+      {"{\"kind\":\"line\",\"points\":[[0,0],[10,0]]}", {3, -2}, "0,0-3,0 5,0-8,0 "},
+      {"{\"kind\":\"line\",\"points\":[[0,0],[4,0]]}", {3, -2}, "0,0-3,0 "},
+      // A pattern may begin with a gap, and a dot is drawn as long as the line is wide.
+      {"{\"kind\":\"line\",\"width\":0.5,\"points\":[[0,0],[0,6]]}", {-2, 1, -1, 0}, "0,2-0,3 0,4-0,4.5 "},
+      // The pattern goes on round the corner, and the corner is in the piece.
+      {"{\"kind\":\"polyline\",\"points\":[[0,0],[4,0],[4,4]]}", {3, -1.5}, "0,0-3,0 4,0.5-4,3.5 "},
+      {"{\"kind\":\"polyline\",\"points\":[[0,0],[4,0],[4,4]]}", {5, -1}, "0,0-4,0-4,1- 4,2-4,4 "},
+      {"{\"kind\":\"circle\",\"center\":[0,0],\"radius\":1}", {2, -2}, "0..2000 4000..6000 "},
+      {"{\"kind\":\"arc\",\"center\":[0,0],\"radius\":2,\"startAngle\":6,\"endAngle\":1}",
+       {1, -1},
+       "6000..6500 7000..7283 "},
+      {"{\"kind\":\"ellipseArc\",\"center\":[0,0],\"majorRadius\":2,\"minorRadius\":2,\"startAngle\":0,\"endAngle\":1}",
+       {1, -0.5},
+       "0..500 750..1000 "},
+      {"{\"kind\":\"polygon\",\"strokeToo\":true,\"contours\":[[[0,0],[2,0],[2,2]]]}",
+       {2, -2},
+       "kind28 0,0-2,0 2,2-0.585786,0.585786 "},
+      {"{\"kind\":\"polygon\",\"contours\":[[[0,0],[2,0],[2,2]]]}", {2, -2}, "kind28 "},
+      // Too fine a pattern: the element goes out whole.
+      {"{\"kind\":\"line\",\"points\":[[0,0],[1000,0]]}", {0.001, -0.001}, "0,0-1000,0 "},
+  };
+  for (const auto &c : cases) EXPECT_EQ(Pieces(c.line, c.pattern), c.pieces) << c.line;
+}
+
+TEST(Dashes, EllipseIsCutByLengthNotByAngle) {
+  // A slim ellipse: a quarter turn by the parameter at its side is much longer than one at its end.
+  std::vector<double> lengths;
+  ForEach("{\"kind\":\"ellipseArc\",\"center\":[5,5],\"majorRadius\":100,\"minorRadius\":1,\"rotation\":0.3}",
+          [&](const ElementRecord &element) {
+            BreakIntoDashes(element, {10, -10}, [&](ElementRecord &piece) {
+              const auto arc = ArcOf(piece);
+              double length = 0;
+              for (int i = 0; i < 1000; ++i) {
+                const Point a = arc->At(arc->start + arc->sweep * i / 1000);
+                const Point b = arc->At(arc->start + arc->sweep * (i + 1) / 1000);
+                length += std::hypot(b.x - a.x, b.y - a.y);
+              }
+              lengths.push_back(length);
+              return true;
+            });
+          });
+  ASSERT_EQ(lengths.size(), 21u);
+  lengths.pop_back();
+  for (const double length : lengths) EXPECT_NEAR(length, 10, 0.05);
+}
+
+std::string Svg(const std::string &lines) {
+  SvgPage page;
+  ForEach(lines, [&](const ElementRecord &element) { page.Add(element); });
+  std::string out;
+  page.Finish(out, "a & b");
+  return out;
+}
+
+TEST(Svg, DrawsEachKindWithItsInk) {
+  const std::string svg = Svg(
+      "{\"kind\":\"layer\",\"name\":\"W<1>\",\"color\":1,\"width\":0.5}\n"
+      "{\"kind\":\"layer\",\"name\":\"off\",\"layerOff\":true}\n"
+      "{\"kind\":\"lineType\",\"name\":\"Dash\",\"segments\":[3,-1,0,-1]}\n"
+      "{\"kind\":\"font\",\"name\":\"T\",\"face\":\"DejaVu Sans\"}\n"
+      "{\"kind\":\"line\",\"layer\":\"W<1>\",\"width\":9,\"lineType\":\"Dash\",\"points\":[[0,10],[10,20]]}\n"
+      "{\"kind\":\"circle\",\"layer\":\"off\",\"color\":\"#0080ff\",\"center\":[5,5],\"radius\":2}\n"
+      "{\"kind\":\"polygon\",\"opacity\":40,\"color\":7,\"contours\":[[[0,0],[9,0],[9,9]],[[1,1],[2,1],[2,2]]]}\n"
+      "{\"kind\":\"arc\",\"width\":1,\"center\":[0,0],\"radius\":10,\"startAngle\":0,\"endAngle\":1.5707963267948966}\n"
+      "{\"kind\":\"text\",\"textStyle\":\"T\",\"text\":\"a<b\",\"at\":[1,2],\"height\":3,\"widthFactor\":0.8}\n");
+  const char *wanted[] = {
+      "<title>a &amp; b</title>",
+      "inkscape:groupmode=\"layer\" inkscape:label=\"W&lt;1&gt;\">",
+      "inkscape:label=\"off\" style=\"display:none\"",
+      // The layer's width wins, y points down, the dot is as long as the line is wide.
+      "<line x1=\"0\" y1=\"-10\" x2=\"10\" y2=\"-20\" stroke=\"#ff0000\" stroke-width=\"0.5\" stroke-dasharray=\"3 1 "
+      "0.5 1\"/>",
+      "<circle cx=\"5\" cy=\"-5\" r=\"2\" stroke=\"#0080ff\" class=\"hair\"/>",
+      "M0,0 9,0 9,-9ZM1,-1 2,-1 2,-2Z\" fill-rule=\"evenodd\" fill=\"#000000\" fill-opacity=\"0.4\"/>",
+      "<path d=\"M10 0A10 10 0 0 0 7.0711 -7.0711A10 10 0 0 0 0 -10\"",
+      "translate(1 -2) scale(0.8 1)\" font-size=\"3\" font-family=\"DejaVu Sans\" fill=\"#000000\" "
+      "xml:space=\"preserve\">a&lt;b<",
+      "fill=\"#ffffff\"/>\n<g fill=\"none\"",
+  };
+  for (const char *text : wanted) EXPECT_NE(svg.find(text), std::string::npos) << text << "\n" << svg;
+}
+
+std::vector<std::string> Groups(const std::string &svg) {
+  std::vector<std::string> labels;
+  for (size_t at = 0; (at = svg.find("inkscape:label=\"", at)) != std::string::npos;) {
+    at += 16;
+    labels.push_back(svg.substr(at, svg.find('"', at) - at));
+  }
+  return labels;
+}
+
+TEST(Svg, ALayerStaysOneGroupUntilAFillWouldChangePlaces) {
+  const auto line = [](const char *layer, int y) {
+    return "{\"kind\":\"line\",\"layer\":\"" + std::string(layer) + "\",\"points\":[[0," + std::to_string(y) + "],[9," +
+           std::to_string(y) + "]]}\n";
+  };
+  const std::string fill = "{\"kind\":\"polygon\",\"layer\":\"F\",\"contours\":[[[0,0],[9,0],[9,9]]]}\n";
+  using Labels = std::vector<std::string>;
+  EXPECT_EQ(Groups(Svg(line("A", 1) + line("B", 1) + line("A", 2))), (Labels{"A", "B"}));
+  EXPECT_EQ(Groups(Svg(line("A", 1) + fill + line("A", 2))), (Labels{"A", "F", "A"}));
+  EXPECT_EQ(Groups(Svg(line("A", 1) + fill + line("A", 50))), (Labels{"A", "F"}));
+  EXPECT_EQ(Groups(Svg(fill + line("A", 1) + fill)), (Labels{"F", "A", "F"}));
+}
+
+TEST(Svg, WhiteLinesGetADarkerPaper) {
+  EXPECT_NE(Svg("{\"kind\":\"line\",\"color\":258,\"points\":[[0,0],[9,9]]}\n").find("fill=\"#c8c8c8\""),
+            std::string::npos);
+}
+
+}  // namespace
+}  // namespace kapdf::tool

@@ -1,0 +1,217 @@
+// The host program against the fake module: what it reads, writes, says and leaves behind.
+#include "tool.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "os.h"
+#include "settings_probe.h"
+
+namespace kapdf::tool {
+namespace {
+
+struct Ran {
+  int status;
+  std::string out, err;
+};
+
+Ran Kapdf(std::vector<std::string> words, const std::string &input = "") {
+  // Beside the tests, with this system's ending.
+  words.push_back("--lib");
+  words.push_back(ProgramFolder() + "/fake_module" + ModuleFileName().substr(ModuleFileName().find('.')));
+  std::istringstream in(input);
+  std::ostringstream out, err;
+  const int status = RunTool(words, {in, out, err});
+  return {status, out.str(), err.str()};
+}
+
+void Write(const std::string &path, const std::string &text) { std::ofstream(path, std::ios::binary) << text; }
+
+std::string Read(const std::string &path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::vector<std::string> LinesWith(const std::string &text, const std::string &start) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) {
+    if (line.starts_with(start)) lines.push_back(line);
+  }
+  return lines;
+}
+
+TEST(Tool, WhatImportWroteExportGivesBackBitByBit) {
+  Write("all.pdf", "all");
+  const Ran imported = Kapdf({"import", "all.pdf", "--page", "2"});
+  ASSERT_EQ(imported.status, 0) << imported.err;
+  EXPECT_NE(imported.out.find("\"page\":2,\"pages\":3"), std::string::npos);
+  EXPECT_NE(imported.err.find("1 of the rasters"), std::string::npos) << imported.err;
+  const Ran exported = Kapdf({"export", "-", "-o", "all.log"}, imported.out);
+  ASSERT_EQ(exported.status, 0) << exported.err;
+  std::vector<std::string> served = LinesWith(Read("all.pdf.served"), "record"), given;
+  for (const std::string &line : LinesWith(Read("all.log"), "record")) {
+    // The layers that no record defines, and the end of the page, are the program's own.
+    if (!line.starts_with("record kind 1 ")) given.push_back(line);
+  }
+  ASSERT_GE(served.size(), 21u);
+  for (const std::string &line : served) {
+    EXPECT_NE(std::find(given.begin(), given.end(), line), given.end()) << line;
+  }
+  EXPECT_NE(exported.err.find("1 composite"), std::string::npos) << exported.err;
+}
+
+TEST(Tool, SaysInOneSentenceWhatIsWrong) {
+  Write("all.pdf", "all");
+  Write("damaged.pdf", "refuse 2");
+  Write("encrypted.pdf", "refuse 11");
+  Write("infinite.pdf", "infinite");
+  Write("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
+  Write("two.jsonl", "{\"kapdf\":1}\n{\"kapdf\":1}\n");
+  const struct {
+    std::vector<std::string> words;
+    int status;
+    std::string says;
+  } cases[] = {
+      {{"info", "missing.pdf"}, 1, "cannot be opened for reading (result 4)"},
+      {{"import", "encrypted.pdf"}, 1, "encrypted (result 11)"},
+      {{"import", "damaged.pdf"}, 1, "damaged, or its page cannot be built (result 2)"},
+      {{"import", "infinite.pdf", "-o", "gone.jsonl"}, 1, "record 1 that came from the module"},
+      {{"import", "all.pdf", "--page", "4"}, 1, "its pages are 1 to 3"},
+      {{"import", "all.pdf", "-o", "gone.dxf"}, 2, "must be named .jsonl or .svg"},
+      {{"import", "all.pdf", "-o", "no/such/folder.jsonl"}, 1, "cannot write"},
+      {{"export", "point.jsonl", "-o", "no/such/folder.pdf"}, 1, "cannot be opened for writing (result 3)"},
+      {{"export", "point.jsonl", "-o", "gone.pdf", "--options", "/col X"}, 1, "option string is wrong (result 18)"},
+      {{"export", "point.jsonl", "-o", "point.jsonl"}, 2, "would overwrite the input"},
+      {{"export", "two.jsonl", "-o", "gone.pdf"}, 1, "choose one with --page"},
+      {{"export", "two.jsonl", "-o", "gone.pdf", "--page", "3"}, 1, "there is no page 3"},
+      {{"import", "all.pdf", "--set", "Qualty=3"}, 2, "there is no setting \"Qualty\""},
+      {{"import", "all.pdf", "--set", "Quality=3.5"}, 2, "Quality takes an integer"},
+      {{"import", "all.pdf", "--set", "PaperFrame=inf"}, 2, "PaperFrame takes a number"},
+      {{"import"}, 2, "FILE is required"},
+  };
+  for (const auto &c : cases) {
+    const Ran ran = Kapdf(c.words);
+    EXPECT_EQ(ran.status, c.status) << ran.err;
+    EXPECT_NE(ran.err.find(c.says), std::string::npos) << "wanted: " << c.says << "\ngot: " << ran.err;
+    EXPECT_EQ(std::count(ran.err.begin(), ran.err.end(), '\n'), 1) << ran.err;
+  }
+  for (const char *path : {"gone.jsonl", "gone.pdf"}) EXPECT_FALSE(std::filesystem::exists(path)) << path;
+}
+
+TEST(Tool, RefusesLinesThatItCannotKeepWhole) {
+  const struct {
+    const char *line, *says;
+  } cases[] = {
+      {"{\"kind\":\"circle\",\"center\":[0,0]}", "a circle needs \"radius\""},
+      {"{\"kind\":\"circle\",\"center\":[0,0],\"radius\":1,\"centre\":1}", "a circle has no \"centre\""},
+      {"{\"kind\":\"line\",\"points\":[[0,0],[1,1],[2,2]]}", "takes two points"},
+      {"{\"kind\":\"line\",\"points\":[[0,0],[1]]}", "takes two points"},
+      {"{\"kind\":\"line\",\"points\":[[0,0],[1,1]],\"width\":1e999}", "too large"},
+      {"{\"kind\":\"line\",\"points\":[[0,0],[1,null]]}", "not a number"},
+      {"{\"kind\":\"polyline\",\"points\":[[0,0],[1,1,1]]}", "takes points"},
+      {"{\"kind\":\"polygon\",\"contours\":[[0,0],[1,1]]}", "takes lists of points"},
+      {"{\"kind\":\"polygon\",\"contours\":[[[[0,0]]]]}", "nested too deeply"},
+      {"{\"kind\":\"polygon\"}", "needs \"contours\""},
+      {"{\"kind\":\"splin\"}", "no kind \"splin\""},
+      {"{\"kind\":\"point\",\"at\":[0,0],\"at\":[0,0]}", "twice"},
+      {"{\"kind\":\"point\",\"at\":[0,0],\"color\":\"red\"}", "colour code"},
+      {"{\"kind\":\"point\",\"at\":[0,0],\"color\":-1}", "colour code"},
+      {"{\"kind\":\"point\",\"at\":[0,0],\"layer\":[65,70000]}", "takes a text"},
+      {"{\"kind\":\"font\",\"name\":\"F\",\"program\":\"x\"}", "base64"},
+      {"{\"kind\":\"lineType\",\"name\":\"L\",\"segments\":[1,2,3,4,5,6,7,8,9,0,1,2,3,4,5,6,7]}", "at most 16"},
+      {"{\"kapdf\":2}", "version 1"},
+      {"{\"kapdf\":1,\"extents\":[5,0,1,1]}", "wrong way round"},
+      {"[1]", "not an object"},
+      {"{\"kind\":", "not JSON"},
+  };
+  for (const auto &c : cases) {
+    const Ran ran =
+        Kapdf({"export", "-", "-o", "gone.pdf"}, std::string("\n{\"kind\":\"composite\"}\n") + c.line + "\n");
+    EXPECT_EQ(ran.status, 1) << c.line;
+    EXPECT_TRUE(ran.err.find("line 3 of the standard input") != std::string::npos &&
+                ran.err.find(c.says) != std::string::npos)
+        << c.line << "\nwanted: " << c.says << "\ngot: " << ran.err;
+  }
+  EXPECT_FALSE(std::filesystem::exists("gone.pdf"));
+}
+
+TEST(Tool, DrivesTheWriterInItsOrder) {
+  const std::string drawing =
+      "{\"kind\":\"line\",\"width\":2,\"points\":[[0,0],[10,0]]}\n"
+      "{\"kind\":\"layer\",\"name\":\"A\",\"width\":4}\n"
+      "{\"kind\":\"line\",\"layer\":\"A\",\"points\":[[0,20],[10,20]]}\n"
+      "{\"kind\":\"property\",\"name\":\"COORDSYS\",\"type\":32,\"value\":\"00\"}\n";
+  const Ran ran = Kapdf({"export", "-", "-o", "order.log", "--options", "/q 50"}, drawing);
+  ASSERT_EQ(ran.status, 0) << ran.err;
+  std::string order;
+  std::istringstream log(Read("order.log"));
+  for (std::string word, line; log >> word && std::getline(log, line);) {
+    std::istringstream rest(line);
+    std::string first, second;
+    rest >> first >> second;
+    if (word == "record") order += second + " ";
+    if (word == "begin" || word == "end") order += word + first + " ";
+    if (word == "close") order += "close ";
+  }
+  EXPECT_EQ(order, "begin2 14 end2 begin3 6 6 end3 begin4 19 19 1 end4 close ");
+  // The undefined layer has the line's own width, layer A its own.
+  EXPECT_EQ(LinesWith(Read("order.log"), "open").at(0), "open -1 of 1 box -2 -1 12 22 options /q 50");
+}
+
+TEST(Tool, SettingsHoldForOneRun) {
+  fake::WriteUserSetting("\\PDF", "Log", 4);
+  Write("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
+  const Ran ran = Kapdf({"export", "point.jsonl", "-o", "settings.log", "--set", "quality=40", "--set",
+                         "PaperFrame=3.5", "--set", "DefaultResolution=150", "--set", "Quality=41"});
+  ASSERT_EQ(ran.status, 0) << ran.err;
+  const std::vector<std::string> expected = {"setting Quality 41 41 none", "setting PaperFrame 3.5 3.5 none",
+                                             "setting Log none 4 none", "setting DefaultResolution none none 150"};
+  EXPECT_EQ(LinesWith(Read("settings.log"), "setting"), expected);
+  // The next run sees the user's settings only.
+  ASSERT_EQ(Kapdf({"export", "point.jsonl", "-o", "settings.log"}).status, 0);
+  EXPECT_EQ(LinesWith(Read("settings.log"), "setting").at(0), "setting Quality none none none");
+  EXPECT_EQ(LinesWith(Read("settings.log"), "setting").at(2), "setting Log none 4 none");
+  fake::RemoveUserSettings();
+}
+
+TEST(Tool, StopsWithNothingLeftBehind) {
+  Write("interrupt.pdf", "interrupt");
+  std::string drawing;
+  for (int i = 0; i < 9; ++i) drawing += "{\"kind\":\"point\",\"at\":[1,2]}\n";
+  for (const auto &words :
+       std::vector<std::vector<std::string>>{{"import", "interrupt.pdf", "-o", "stopped.jsonl", "--set", "Quality=1"},
+                                             {"import", "interrupt.pdf", "-o", "stopped.svg"},
+                                             {"export", "-", "-o", "stopped.pdf", "--options", "/interrupt"}}) {
+    const Ran ran = Kapdf(words, drawing);
+    EXPECT_EQ(ran.status, 130) << ran.err;
+    EXPECT_FALSE(std::filesystem::exists(words[3])) << words[3];
+  }
+}
+
+TEST(Tool, EveryPageHasItsHeaderOrItsFile) {
+  Write("all.pdf", "all");
+  const Ran lines = Kapdf({"import", "all.pdf", "--all"});
+  EXPECT_EQ(LinesWith(lines.out, "{\"kapdf\":1").size(), 3u);
+  ASSERT_EQ(Kapdf({"import", "all.pdf", "--all", "-o", "pages.svg"}).status, 0);
+  for (const char *path : {"pages-1.svg", "pages-2.svg", "pages-3.svg"}) {
+    EXPECT_TRUE(Read(path).ends_with("</svg>\n")) << path;
+  }
+}
+
+TEST(Tool, TellsAboutFileAndModule) {
+  Write("all.pdf", "all");
+  const Ran ran = Kapdf({"info", "all.pdf"});
+  for (const char *text : {"pages      3", "version    9.9", "maker      Nobody", "2 layers", "1 ellipse arc,"}) {
+    EXPECT_NE(ran.out.find(text), std::string::npos) << text << "\n" << ran.out;
+  }
+  const Ran help = Kapdf({"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_NE(help.out.find("kapdf export plan.jsonl"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace kapdf::tool
