@@ -200,7 +200,7 @@ typedef struct PolylinePayload {
   uint32_t reserved8;
   int32_t vertexCount;
   uint32_t extraPerVertex; /* doubles behind each x, y pair; 0 on import */
-  double *vertices;        /* 4-aligned only inside this structure; the doubles themselves are 8-aligned */
+  double *vertices;        /* the doubles are 8-aligned on import */
   double reserved28;
   uint32_t curved; /* the writer takes 0 only */
   uint8_t reserved40[8];

@@ -1,0 +1,124 @@
+// Operators that set colours.
+#include <string_view>
+
+#include "base/color.h"
+#include "content/interpreter.h"
+
+namespace kapdf {
+namespace {
+
+// Inside text objects white is the palette's own last entry.
+constexpr uint32_t kWhiteInText = 255;
+
+float Scaled(double component) {
+  const float value = static_cast<float>(component) * 255.0f;
+  return value == value ? value : 0.0f;
+}
+
+uint32_t PackRgb(const double *v) {
+  return PackColor(ComponentByte(static_cast<float>(v[0])), ComponentByte(static_cast<float>(v[1])),
+                   ComponentByte(static_cast<float>(v[2])));
+}
+
+}  // namespace
+
+bool Interpreter::ScanRgb(const Statement &statement, uint32_t &packed) {
+  double v[3];
+  if (statement.Reals(v, 3) != 3) return false;
+  packed = PackRgb(v);
+  return true;
+}
+
+bool Interpreter::ScanGray(const Statement &statement, uint32_t &packed) {
+  double v;
+  if (statement.Reals(&v, 1) != 1) return false;
+  const uint32_t level = ComponentByte(static_cast<float>(v));
+  packed = PackColor(level, level, level);
+  return true;
+}
+
+bool Interpreter::ScanCmyk(const Statement &statement, uint32_t &packed) {
+  double v[4];
+  if (statement.Reals(v, 4) != 4) return false;
+  packed = PackFromCmyk(Scaled(v[0]), Scaled(v[1]), Scaled(v[2]), Scaled(v[3]));
+  return true;
+}
+
+// Components behind those that the kind takes, and names of patterns, have no effect.
+bool Interpreter::ScanByKind(const Statement &statement, ColorKind kind, uint32_t &packed) {
+  switch (kind) {
+    case ColorKind::kRgb: return ScanRgb(statement, packed);
+    case ColorKind::kGray: return ScanGray(statement, packed);
+    case ColorKind::kCmyk: return ScanCmyk(statement, packed);
+    case ColorKind::kResource: break;
+  }
+  return false;
+}
+
+// CMYK of `sc` inside a text object: whole numbers throughout.
+bool Interpreter::ScanCmykWhole(const Statement &statement, uint32_t &packed) {
+  double v[4];
+  if (statement.Reals(v, 4) != 4) return false;
+  const auto byte = [&](int i) { return static_cast<int>(ComponentByte(static_cast<float>(v[i]))); };
+  const int black = byte(3);
+  const auto channel = [&](int i) {
+    const int value = black == 0 ? 255 - byte(i) : 255 - (byte(i) * (255 - black) + 127) / 255 - black;
+    return static_cast<uint32_t>(value < 0 ? 0 : value);
+  };
+  packed = PackColor(channel(0), channel(1), channel(2));
+  return true;
+}
+
+Flow Interpreter::SetStroke(ColorKind kind, const Statement &statement) {
+  uint32_t packed;
+  state_.strokeKind = kind;
+  if (ScanByKind(statement, kind, packed)) state_.strokeColor = CodeFromPacked(packed);
+  return Flow::kNext;
+}
+
+Flow Interpreter::SetFill(ColorKind kind, const Statement &statement, uint32_t white) {
+  uint32_t packed;
+  state_.fillKind = kind;
+  if (ScanByKind(statement, kind, packed)) state_.fillColor = CodeFromPacked(packed, white);
+  return Flow::kNext;
+}
+
+Flow Interpreter::StrokeRgb(const Statement &s) { return SetStroke(ColorKind::kRgb, s); }
+Flow Interpreter::StrokeGray(const Statement &s) { return SetStroke(ColorKind::kGray, s); }
+Flow Interpreter::StrokeCmyk(const Statement &s) { return SetStroke(ColorKind::kCmyk, s); }
+Flow Interpreter::StrokeColor(const Statement &s) { return SetStroke(state_.strokeKind, s); }
+Flow Interpreter::FillRgb(const Statement &s) { return SetFill(ColorKind::kRgb, s, kWhiteCode); }
+Flow Interpreter::FillGray(const Statement &s) { return SetFill(ColorKind::kGray, s, kWhiteCode); }
+Flow Interpreter::FillCmyk(const Statement &s) { return SetFill(ColorKind::kCmyk, s, kWhiteCode); }
+Flow Interpreter::FillColor(const Statement &s) { return SetFill(state_.fillKind, s, kWhiteCode); }
+Flow Interpreter::FillRgbInText(const Statement &s) { return SetFill(ColorKind::kRgb, s, kWhiteInText); }
+Flow Interpreter::FillGrayInText(const Statement &s) { return SetFill(ColorKind::kGray, s, kWhiteInText); }
+Flow Interpreter::FillCmykInText(const Statement &s) { return SetFill(ColorKind::kCmyk, s, kWhiteInText); }
+
+Flow Interpreter::FillColorInText(const Statement &s) {
+  if (state_.fillKind != ColorKind::kCmyk) return SetFill(state_.fillKind, s, kWhiteInText);
+  uint32_t packed;
+  if (ScanCmykWhole(s, packed)) state_.fillColor = CodeFromPacked(packed);
+  return Flow::kNext;
+}
+
+// A name that is none of the device spaces leaves the kind as it is.
+void Interpreter::SelectColorSpace(const Statement &statement, ColorKind &kind) {
+  std::string_view name(statement.text);
+  name = name.substr(0, name.find_first_of(" \t\r\n\v\f"));
+  if (name == "/DeviceGray") kind = ColorKind::kGray;
+  else if (name == "/DeviceRGB") kind = ColorKind::kRgb;
+  else if (name == "/DeviceCMYK") kind = ColorKind::kCmyk;
+}
+
+Flow Interpreter::StrokeColorSpace(const Statement &statement) {
+  SelectColorSpace(statement, state_.strokeKind);
+  return Flow::kNext;
+}
+
+Flow Interpreter::FillColorSpace(const Statement &statement) {
+  SelectColorSpace(statement, state_.fillKind);
+  return Flow::kNext;
+}
+
+}  // namespace kapdf

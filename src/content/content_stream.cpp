@@ -1,0 +1,85 @@
+// Loading a page's content, stream by stream.
+#include "content/content_stream.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "pdfmodel/stream.h"
+#include "platform/file.h"
+
+namespace kapdf {
+namespace {
+
+void DumpContent(uint32_t index, std::span<const uint8_t> bytes) {
+  const auto path = platform::DiagnosticPath("pdf_" + std::to_string(index) + ".txt");
+  const auto file = platform::OpenFile(path, "wb", platform::Share::kRead);
+  if (file) std::fwrite(bytes.data(), 1, bytes.size(), file.get());
+}
+
+}  // namespace
+
+CPDFContentStream::CPDFContentStream(ObjectLocator &objects, std::unique_ptr<CPDFDictionary> owner, bool diagnostics)
+    : resources(objects, owner.get()), objects_(objects), owner_(std::move(owner)), diagnostics_(diagnostics) {}
+
+double CPDFContentStream::Fraction() const {
+  if (streamCount_ == 0 || nextStream_ == 0) return 0.0;
+  const double part = length_ == 0 ? 0.0 : static_cast<double>(position_) / static_cast<double>(length_);
+  return std::clamp((nextStream_ - 1 + part) / streamCount_, 0.0, 1.0);
+}
+
+// True with bytes to read; empty streams are passed over.
+bool CPDFContentStream::FillBuffer() {
+  while (position_ >= length_) {
+    if (ended_ || !LoadNextStream()) {
+      ended_ = true;  // a stream that cannot be read ends the page, whatever stands behind it
+      return false;
+    }
+  }
+  return true;
+}
+
+bool CPDFContentStream::LoadNextStream() {
+  if (parent) return false;  // a form is one stream, already loaded
+  length_ = position_ = 0;
+  if (!contents_) contents_ = owner_ ? owner_->GetAs<CPDFArray>("Contents") : nullptr;
+  if (contents_) {
+    streamCount_ = contents_->Count();
+    if (nextStream_ >= streamCount_) return false;
+    const auto *reference = dynamic_cast<const CPDFIndirectObject *>(contents_->GetAt(nextStream_++));
+    return reference && ReadStreamBytes(reference->objectNumber);
+  }
+  const auto *lone = owner_ ? owner_->GetAs<CPDFIndirectObject>("Contents") : nullptr;
+  if (!lone || loneStreamDone_) return false;
+  loneStreamDone_ = true;
+  nextStream_ = streamCount_ = 1;
+  return ReadStreamBytes(lone->objectNumber) || LoadArrayInPlace(lone->objectNumber);
+}
+
+// The reference led to an array in place of a stream: it becomes the list of streams, and its first one is loaded. An array
+// inside it does not count.
+bool CPDFContentStream::LoadArrayInPlace(int32_t objectNumber) {
+  uint8_t firstChar;
+  if (!OpenObject(objects_, objectNumber, firstChar)) return false;
+  auto list = std::make_unique<CPDFArray>(objects_.source());
+  if (list->Parse(firstChar) != 0) return false;
+  ownContents_ = std::move(list);
+  contents_ = ownContents_.get();
+  nextStream_ = 0;
+  return LoadNextStream();
+}
+
+bool CPDFContentStream::ReadStreamBytes(int32_t objectNumber) {
+  buffer_.Clear();
+  uint8_t firstChar;
+  if (!OpenObject(objects_, objectNumber, firstChar)) return false;
+  CPDFStream stream(objects_);
+  if (stream.Parse(firstChar) != 0 || !stream.ReadAll(buffer_)) return false;
+  length_ = buffer_.size();
+  buffer_.Resize(length_ + 1);
+  buffer_.ShrinkToFit();
+  buffer_.data()[length_] = 0;
+  if (diagnostics_) DumpContent(nextStream_, {buffer_.data(), length_});
+  return true;
+}
+
+}  // namespace kapdf

@@ -1,0 +1,86 @@
+// The content context: one decoded content at a time, cut into statements, with the resources that its operators name.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "base/byte_buffer.h"
+#include "content/resources.h"
+#include "pdfmodel/locator.h"
+#include "pdfmodel/page_tree.h"
+
+namespace kapdf {
+
+// How a statement is read.
+enum class ScanMode { kGraphics = 0, kText = 1, kInlineImage = 2 };
+
+// A statement of numbers and one operator, taken from the content where it stands.
+struct PlainStatement {
+  static constexpr int kOperands = 6;
+  std::array<double, kOperands> values;
+  int count = 0;
+  uint8_t number = 0;  // of the operator
+};
+
+// One per page content and per form. The content of a page is read stream by stream, each decoded whole.
+class CPDFContentStream {
+ public:
+  static constexpr size_t kStatementBytes = 8192;  // with the zero
+
+  // `owner`: the page's dictionary; `diagnostics`: write each decoded stream to a file of its own.
+  CPDFContentStream(ObjectLocator &objects, std::unique_ptr<CPDFDictionary> owner, bool diagnostics);
+
+  // The next statement: usually one line, zero-terminated, valid until the next call. Null at the end of all content.
+  char *ReadStatement(ScanMode mode);
+  // The next statement when it is a run of plain numbers before an operator that takes nothing else, and ends on this
+  // line; false, with nothing consumed, for any other one. What both readers give is the same.
+  bool ReadPlain(PlainStatement &statement);
+  // Joins a statement that had no operator with the line behind it: line ends at the position become blanks and the
+  // position goes back over the statement. False when there was no line end, so that nothing would change.
+  bool RejoinLine(size_t statementLength);
+
+  // Reading on in the decoded bytes, for data that are not statements.
+  int NextByte() { return position_ < length_ ? bytes()[position_++] : -1; }
+  int PeekByte(size_t ahead) const { return position_ + ahead < length_ ? bytes()[position_ + ahead] : -1; }
+  size_t position() const { return position_; }
+
+  // Finished part of the content, 0 to 1.
+  double Fraction() const;
+
+  CPDFContentStream *parent = nullptr;  // of a form: the context that draws it
+  double opacity = 1.0;                 // product of the alphas of the drawing contexts
+  PageBox clipBox;                      // points, after the matrix
+  PageResources resources;
+  LineStyles lineStyles;
+
+ private:
+  const uint8_t *bytes() const { return buffer_.data(); }
+  uint8_t *bytes() { return buffer_.data(); }
+  bool FillBuffer();
+  bool LoadNextStream();
+  bool LoadLoneStream(const CPDFIndirectObject &reference);
+  bool LoadArrayInPlace(int32_t objectNumber);
+  bool ReadStreamBytes(int32_t objectNumber);
+  // Reads up to the end of a statement or of the stream; true when the statement is whole.
+  bool ScanStatement(ScanMode mode, size_t &count);
+  void CutAtLastOperator(size_t &count);
+  void MoveBack(size_t count) { position_ -= count < position_ ? count : position_; }
+
+  ObjectLocator &objects_;
+  std::unique_ptr<CPDFDictionary> owner_;
+  std::unique_ptr<CPDFArray> ownContents_;  // `Contents` when it came through a reference
+  const CPDFArray *contents_ = nullptr;
+  ByteBuffer buffer_;   // the decoded stream and one zero
+  size_t length_ = 0;
+  size_t position_ = 0;
+  uint32_t nextStream_ = 0;  // counts from 1 for the stream just loaded
+  uint32_t streamCount_ = 0;
+  bool loneStreamDone_ = false;
+  bool ended_ = false;
+  bool diagnostics_;
+  std::array<char, kStatementBytes> statement_;
+};
+
+}  // namespace kapdf

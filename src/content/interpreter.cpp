@@ -1,0 +1,146 @@
+// The loop of the interpreter and the records of a page's first call.
+#include "content/interpreter.h"
+
+#include <cstring>
+
+#include "content/scanner.h"
+
+namespace kapdf {
+
+void CopyName(char16_t (&field)[256], std::u16string_view name) {
+  const size_t length = name.copy(field, 255);
+  field[length] = 0;
+}
+
+void InitializeRecord(ElementRecord &record) {
+  std::memset(&record, 0, sizeof record);
+  record.color = KAPDF_COLOR_BY_LAYER;
+}
+
+Interpreter::Interpreter(PageContent page, const InterpreterSettings &settings)
+    : page_(std::move(page.stream)), context_(page_.get()), settings_(settings) {
+  state_.ctm = page.baseMatrix;
+  InitializeRecord(blocks_.spare);
+}
+
+Interpreter::~Interpreter() = default;
+
+uint32_t Interpreter::InterpretNext(ElementRecord &record) {
+  record_ = &record;
+  record.section = KAPDF_SECTION_DRAWING;
+  if (!defaultsSent_) {
+    FillDefaultRecords();
+    return FilterOk;
+  }
+  // Painting comes back here: a path operator leaves its paths in the list, and each call hands out one of them.
+  for (;;) {
+    if (EmitPending()) return FilterOk;
+    if (ended_) return FilterEndOfElements;
+    if (RunStatements() == Flow::kRecord) return FilterOk;
+  }
+}
+
+// The default line type and, chained to it, the default layer.
+void Interpreter::FillDefaultRecords() {
+  defaultsSent_ = true;
+  blocks_.lineTypeName = u"Continuous";
+  blocks_.lineType = {};
+  blocks_.lineType.name = blocks_.lineTypeName.data();
+  StartDefinition(ElemLineTypeDef, &blocks_.lineType, sizeof blocks_.lineType);
+  CopyName(record_->styleName, currentLineStyle_);
+
+  static char16_t continuous[] = u"Continuous";
+  blocks_.layerName = currentLayer_;
+  blocks_.layer = {};
+  blocks_.layer.name = blocks_.layerName.data();
+  blocks_.layer.lineType = continuous;
+  blocks_.layer.color = KAPDF_COLOR_BLACK;
+  blocks_.layer.width = -2.0;
+  ElementRecord *first = record_;
+  InitializeRecord(blocks_.spare);
+  record_ = &blocks_.spare;
+  StartDefinition(ElemLayerDef, &blocks_.layer, sizeof blocks_.layer);
+  record_->color = blocks_.layer.color;
+  CopyName(record_->layerName, currentLayer_);
+  record_ = first;
+  record_->next = &blocks_.spare;
+}
+
+void Interpreter::StartRecord(uint32_t kind, uint32_t color, void *payload, size_t bytes) {
+  ElementRecord &record = *record_;
+  record.kind = kind;
+  record.flags = 0;
+  record.color = color;
+  record.payload = payload;
+  record.payloadBytes = static_cast<uint32_t>(bytes);
+  record.reserved2 = 0;
+  record.section = KAPDF_SECTION_DRAWING;
+  record.next = nullptr;
+  CopyName(record.layerName, currentLayer_);
+  CopyName(record.styleName, currentLineStyle_);
+}
+
+void Interpreter::StartDefinition(uint32_t kind, void *payload, size_t bytes) {
+  StartRecord(kind, KAPDF_COLOR_BY_LAYER, payload, bytes);
+  record_->section = KAPDF_SECTION_TABLES;
+  record_->layerName[0] = 0;
+  record_->styleName[0] = 0;
+}
+
+Flow Interpreter::RunStatements() {
+  compound_ = alsoStroke_ = false;
+  bool ended = false;
+  while (!ended) {
+    const Flow flow = RunOne(ended);
+    if (flow != Flow::kNext) return flow;
+  }
+  ended_ = true;
+  return Flow::kNext;
+}
+
+// One statement. A plain one is taken from where it stands; any other goes through the statement buffer.
+Flow Interpreter::RunOne(bool &ended) {
+  PlainStatement plain;
+  if (!remainder_ && !textMode_ && context_->ReadPlain(plain)) {
+    return Dispatch(plain.number, Statement{nullptr, &plain});
+  }
+  char *text = NextText(textMode_ ? ScanMode::kText : ScanMode::kGraphics);
+  if (!text) {
+    ended = true;
+    return Flow::kNext;
+  }
+  const uint8_t number = FindOperator(text, remainder_);
+  if (number == 0) {
+    // A line end may have broken a statement inside an operand: the line behind it is read together with it. Where there
+    // is none, the statement is dropped.
+    if (!remainder_ && *text) context_->RejoinLine(std::strlen(text));
+    return Flow::kNext;
+  }
+  while (*text == ' ') ++text;
+  return Dispatch(number, Statement{text, nullptr});
+}
+
+char *Interpreter::NextText(ScanMode mode) {
+  if (!remainder_) return context_->ReadStatement(mode);
+  char *text = remainder_;
+  remainder_ = nullptr;
+  return text;
+}
+
+Flow Interpreter::Dispatch(uint8_t number, const Statement &statement) {
+  const OperatorHandler handler = textMode_ ? HandlerInside(number) : HandlerOutside(number);
+  return handler ? (this->*handler)(statement) : Flow::kNext;
+}
+
+// Inside a text object statements are read in a mode of their own, and only the operators with a handler for it act.
+Flow Interpreter::BeginText(const Statement &) {
+  textMode_ = true;
+  return Flow::kNext;
+}
+
+Flow Interpreter::EndText(const Statement &) {
+  textMode_ = false;
+  return Flow::kNext;
+}
+
+}  // namespace kapdf

@@ -1,0 +1,161 @@
+// The interpreter of one page: a pull generator that turns content into element records, one at a time.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "content/content_stream.h"
+#include "content/graphics_state.h"
+#include "content/operators.h"
+#include "content/path.h"
+#include "content/record_blocks.h"
+#include "content/statement.h"
+#include "kapdf/kapdf.h"
+
+namespace kapdf {
+
+// What page set-up leaves for the interpreter.
+struct PageContent {
+  std::unique_ptr<CPDFContentStream> stream;
+  Affine baseMatrix;  // content coordinates to page coordinates, points
+};
+
+struct InterpreterSettings {
+  bool clipping = true;         // points outside the page's box are dropped
+  bool convertPoly = true;      // smooth polylines may become circles, arcs and ellipses
+  double fitTolerance = 0.002;  // of that recognition
+};
+
+// All state lives here between two calls, so that the depth of the machine's stack never depends on the file. Records are
+// filled with millimetres; what they point to stays valid until the next call.
+class Interpreter {
+ public:
+  Interpreter(PageContent page, const InterpreterSettings &settings);
+  ~Interpreter();
+
+  // Fills the record with the next element. 0, or 0xFFFF0004 at the end of the page, then and on every later call.
+  uint32_t InterpretNext(ElementRecord &record);
+
+  // Finished part of the page, 0 to 1.
+  double Fraction() const { return page_->Fraction(); }
+
+  // ---- handlers of operators, named in the operator table ----
+  Flow PushState(const Statement &);
+  Flow PopState(const Statement &);
+  Flow ConcatenateMatrix(const Statement &);
+  Flow LineWidth(const Statement &);
+  Flow Dash(const Statement &);
+  Flow StateParameters(const Statement &);
+  Flow StateParametersInText(const Statement &);
+  Flow StrokeRgb(const Statement &);
+  Flow StrokeGray(const Statement &);
+  Flow StrokeCmyk(const Statement &);
+  Flow StrokeColor(const Statement &);
+  Flow StrokeColorSpace(const Statement &);
+  Flow FillRgb(const Statement &);
+  Flow FillRgbInText(const Statement &);
+  Flow FillGray(const Statement &);
+  Flow FillGrayInText(const Statement &);
+  Flow FillCmyk(const Statement &);
+  Flow FillCmykInText(const Statement &);
+  Flow FillColor(const Statement &);
+  Flow FillColorInText(const Statement &);
+  Flow FillColorSpace(const Statement &);
+  Flow MoveTo(const Statement &);
+  Flow LineTo(const Statement &);
+  Flow CurveTo(const Statement &);
+  Flow CurveFromCurrent(const Statement &);
+  Flow CurveToEnd(const Statement &);
+  Flow ClosePath(const Statement &);
+  Flow Rectangle(const Statement &);
+  Flow Fill(const Statement &);
+  Flow FillEvenOdd(const Statement &);
+  Flow FillStroke(const Statement &);
+  Flow FillStrokeEvenOdd(const Statement &);
+  Flow CloseFillStroke(const Statement &);
+  Flow CloseFillStrokeEvenOdd(const Statement &);
+  Flow Stroke(const Statement &);
+  Flow CloseStroke(const Statement &);
+  Flow DiscardPath(const Statement &);
+  Flow BeginText(const Statement &);
+  Flow EndText(const Statement &);
+  Flow PassInlineImage(const Statement &);
+
+ private:
+  enum class Pass { kStroke, kFill };
+  static constexpr int64_t kIdle = -1;
+
+  // The loop.
+  Flow RunStatements();
+  Flow RunOne(bool &ended);
+  char *NextText(ScanMode mode);
+  Flow Dispatch(uint8_t number, const Statement &statement);
+
+  // Records.
+  void FillDefaultRecords();
+  void StartRecord(uint32_t kind, uint32_t color, void *payload, size_t bytes);
+  void StartDefinition(uint32_t kind, void *payload, size_t bytes);
+  bool EmitPending();
+  void EmitStroke();
+  void EmitCompoundPolygon();
+  void FillPolygonRecord(size_t first, size_t end);
+  bool EmitPolygon();
+  double RecordWidth() const;
+
+  // Points and paths.
+  bool TransformPoint(double &x, double &y) const;
+  void AppendPoint(double x, double y);
+  void StartSubpath();
+  void PushPath();
+  void AppendRectangle(const double (&v)[4]);
+  bool RebuildRectangle(const Statement &statement);
+  void AppendCurve(double (&v)[6]);
+  void ReleasePaths(size_t keep);
+  bool ContoursTurnBothWays() const;
+  Flow StartPainting(Pass pass);
+  Flow PaintFill(const Statement &statement, bool compound, bool stroke);
+
+  // Colours.
+  static bool ScanRgb(const Statement &statement, uint32_t &packed);
+  static bool ScanGray(const Statement &statement, uint32_t &packed);
+  static bool ScanCmyk(const Statement &statement, uint32_t &packed);
+  static bool ScanByKind(const Statement &statement, ColorKind kind, uint32_t &packed);
+  static bool ScanCmykWhole(const Statement &statement, uint32_t &packed);
+  Flow SetStroke(ColorKind kind, const Statement &statement);
+  Flow SetFill(ColorKind kind, const Statement &statement, uint32_t white);
+  static void SelectColorSpace(const Statement &statement, ColorKind &kind);
+  const ExtGState *FindState(const Statement &statement);
+
+  // Inline images.
+  void PassImageKey(char *text);
+  void PassImageData();
+
+  std::unique_ptr<CPDFContentStream> page_;
+  CPDFContentStream *context_;
+  InterpreterSettings settings_;
+  GraphicsState state_;
+  StateStack stack_;
+  char *remainder_ = nullptr;  // of the statement in the context's buffer
+  bool textMode_ = false;
+  bool defaultsSent_ = false;
+  bool ended_ = false;
+  std::u16string currentLayer_ = u"PDF";
+  std::u16string currentLineStyle_ = u"Continuous";  // not part of the saved state
+
+  Path path_;
+  std::vector<Path> pathList_;   // finished paths up to pathCount_, behind them storage to use again
+  size_t pathCount_ = 0;
+  size_t pathHead_ = 0;          // first path that was not handed out as a polygon of its own
+  int64_t pendingPaths_ = kIdle;
+  Pass pass_ = Pass::kStroke;
+  bool compound_ = false;        // contours form one polygon
+  bool alsoStroke_ = false;
+  bool contoursChecked_ = false;
+  size_t pathPoints_ = 0;        // of all paths of the list
+
+  ElementRecord *record_ = nullptr;  // of the call under way
+  RecordBlocks blocks_;
+};
+
+}  // namespace kapdf

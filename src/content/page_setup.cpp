@@ -1,0 +1,57 @@
+#include "content/page_setup.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "platform/settings.h"
+
+namespace kapdf {
+namespace {
+
+constexpr double kStraight = 1e-6;  // radians; less than that is not turned
+
+// Without the last bit's noise at quarter turns, which would put points on the sheet's edge outside it.
+double Exact(double value) {
+  const double nearest = std::round(value);
+  return std::fabs(value - nearest) < 1e-12 ? nearest : value;
+}
+
+}  // namespace
+
+// The absolute values are part of the rule: a box that does not start at the origin keeps its distance from it.
+Affine RotatePage(double rotate, PageBox &box) {
+  if (!(std::fabs(rotate) > kStraight) || (box.left == box.right && box.bottom == box.top)) return {};
+  const double c = Exact(std::cos(rotate)), s = Exact(std::sin(rotate));
+  const PageBox old = box;
+  box.left = std::fabs(old.left * c + old.bottom * s);
+  box.bottom = std::fabs(old.bottom * c - old.left * s);
+  box.right = std::fabs(old.right * c + old.top * s);
+  box.top = std::fabs(old.top * c - old.right * s);
+  const double x = old.right * c + old.top * s, y = -old.right * s + old.top * c;
+  return {c, -s, s, c, x >= 0 ? 0 : -x, y >= 0 ? 0 : -y};
+}
+
+std::optional<PageContent> SetupPage(CPDFFile &document, const PagePosition &position) {
+  uint8_t firstChar;
+  if (!OpenObject(document.objects(), position.objectNumber, firstChar)) return std::nullopt;
+  auto dictionary = std::make_unique<CPDFDictionary>(document);
+  if (dictionary->Parse(firstChar) != 0) return std::nullopt;
+  double rotate = position.rotate;
+  PageBox box = position.box;
+  if (const auto *angle = dictionary->GetAs<CPDFNumeric>("Rotate"); angle && std::isfinite(angle->realValue)) {
+    rotate = angle->realValue / 360.0 * 2.0 * std::numbers::pi;
+  }
+  ReadBox(dictionary->Get("MediaBox"), box);
+  PageContent page;
+  page.baseMatrix = RotatePage(rotate, box);
+  const platform::Settings settings(document.registryPath(), u"\\PDF");
+  const bool diagnostics = settings.ReadInteger(u"WriteToTxt", 0) != 0;
+  page.stream = std::make_unique<CPDFContentStream>(document.objects(), std::move(dictionary), diagnostics);
+  if (box.left > box.right) std::swap(box.left, box.right);  // any two opposite corners may be given
+  if (box.bottom > box.top) std::swap(box.bottom, box.top);
+  page.stream->clipBox = box;
+  return page;
+}
+
+}  // namespace kapdf

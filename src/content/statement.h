@@ -1,0 +1,29 @@
+// One statement in a handler's hands.
+#pragma once
+
+#include "base/scan.h"
+#include "content/content_stream.h"
+
+namespace kapdf {
+
+// Either plain numbers, read already, or the text from its first character that is not a blank to its operator.
+struct Statement {
+  const char *text = nullptr;
+  const PlainStatement *plain = nullptr;
+
+  // Reads up to `wanted` numbers from the start and gives how many there were.
+  int Reals(double *values, int wanted) const {
+    if (plain) {
+      const int count = plain->count < wanted ? plain->count : wanted;
+      for (int i = 0; i < count; ++i) values[i] = plain->values[static_cast<size_t>(i)];
+      return count;
+    }
+    const char *at = text;
+    for (int i = 0; i < wanted; ++i) {
+      if (!ScanReal(at, values[i])) return i;
+    }
+    return wanted;
+  }
+};
+
+}  // namespace kapdf

@@ -1,0 +1,151 @@
+// Cutting content into statements.
+#include <algorithm>
+#include <cstring>
+
+#include "base/ascii.h"
+#include "base/limits.h"
+#include "base/scan.h"
+#include "content/content_stream.h"
+#include "content/operators.h"
+#include "content/scanner.h"
+
+namespace kapdf {
+namespace {
+
+constexpr size_t kMost = CPDFContentStream::kStatementBytes - 1;
+
+bool IsLineEnd(unsigned c) { return c == '\n' || c == '\r'; }
+
+bool IsParametersKey(const char *text, size_t count) {
+  const std::string_view view(text, count);
+  return view == "/DP" || view == "/DecodeParams";
+}
+
+}  // namespace
+
+// What the byte at hand may do to a statement, in the modes where that matters, is decided here; the plain copying of
+// bytes stays in the loop.
+bool CPDFContentStream::ScanStatement(ScanMode mode, size_t &count) {
+  char *text = statement_.data();
+  const uint8_t *data = bytes();
+  const bool graphics = mode == ScanMode::kGraphics;
+  bool imageData = false, parameters = false;
+  while (position_ < length_ && count < kMost) {
+    if (mode == ScanMode::kInlineImage) {
+      if (count == 3 && std::memcmp(text, "ID ", 3) == 0) imageData = true;
+      else if (IsParametersKey(text, count)) parameters = true;
+    }
+    const uint8_t c = data[position_];
+    if (IsLineEnd(c)) {
+      if (imageData) {
+        if (PeekByte(1) == 'E' && PeekByte(2) == 'I') return true;
+      } else if (parameters) {
+        if (count >= 2 && text[count - 1] == '>' && text[count - 2] == '>') return true;
+      } else if (graphics || position_ == 0 || data[position_ - 1] != '\\') {
+        return true;
+      } else {
+        ++position_;  // the backslash is overwritten and the string goes on
+        if (count > 0) --count;
+        continue;
+      }
+    }
+    if (graphics && c == '%' && count >= 1 && data[position_ - 1] == '%') {
+      while (position_ < length_ && !IsLineEnd(data[position_])) ++position_;
+      return true;  // "%%" opens a comment; a single "%" does not
+    }
+    ++position_;
+    if (graphics && c == 0) continue;
+    text[count++] = static_cast<char>(c);
+    if (graphics && (c == 'q' || c == 'Q')) {  // stands alone, however long the line
+      if (count == 1) return true;
+      if (text[count - 2] == ' ') {
+        count -= 2;
+        --position_;
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+char *CPDFContentStream::ReadStatement(ScanMode mode) {
+  size_t count = 0;
+  for (int joined = 0; joined <= limits::kJoinedStreams; ++joined) {
+    if (!FillBuffer()) break;
+    while (position_ < length_ && (IsLineEnd(bytes()[position_]) || bytes()[position_] == ' ' || bytes()[position_] == '\t')) {
+      ++position_;
+    }
+    const size_t saved = count;
+    if (saved > 0 && saved < kMost) statement_[count++] = ' ';
+    const bool whole = ScanStatement(mode, count);
+    if (count == kMost && !whole && mode == ScanMode::kGraphics) CutAtLastOperator(count);
+    if (whole || count >= kMost || position_ < length_) {
+      statement_[count] = 0;
+      return statement_.data();
+    }
+    if (count == saved + (saved > 0 ? 1 : 0)) {  // nothing but white space was left of this stream
+      count = saved;
+      --joined;
+    }
+  }
+  statement_[count] = 0;
+  return count > 0 ? statement_.data() : nullptr;
+}
+
+// A statement that fills the buffer ends behind the last operator in it; the rest is read again as the next one.
+void CPDFContentStream::CutAtLastOperator(size_t &count) {
+  char *text = statement_.data();
+  text[count] = 0;
+  for (size_t index = kMost; index-- > 0;) {
+    if (!StartsWithOperator(text + index)) continue;
+    while (index < kMost && text[index] != ' ') ++index;
+    MoveBack(kMost - index);
+    count = index;
+    return;
+  }
+}
+
+bool CPDFContentStream::RejoinLine(size_t statementLength) {
+  if (!buffer_.data()) return false;
+  bool changed = false;
+  for (size_t i = position_; i < length_ && IsLineEnd(bytes()[i]); ++i) {
+    bytes()[i] = ' ';
+    changed = true;
+  }
+  if (changed) MoveBack(statementLength);
+  return changed;
+}
+
+bool CPDFContentStream::ReadPlain(PlainStatement &statement) {
+  if (position_ >= length_) return false;
+  const char *at = reinterpret_cast<const char *>(bytes()) + position_;
+  while (*at == '\n' || *at == '\r' || *at == ' ' || *at == '\t') ++at;
+  int count = 0;
+  while (IsDigit(static_cast<unsigned char>(*at)) || *at == '-' || *at == '.' || *at == '+') {
+    double value;
+    if (!ScanReal(at, value) || *at != ' ') return false;
+    do ++at;
+    while (*at == ' ');
+    if (count == PlainStatement::kOperands) return false;
+    statement.values[static_cast<size_t>(count++)] = value;
+  }
+  const auto ends = [](char c) { return c == '\n' || c == '\r' || c == ' '; };
+  // The stream's end is a zero, which ends nothing: a statement there may go on in the next stream.
+  const char first = *at;
+  if (first <= ' ') return false;
+  size_t letters = 1;
+  uint8_t number = 0;
+  if (ends(at[1])) {
+    number = FindPlainOperator(first);
+  } else if (at[1] > ' ' && ends(at[2])) {
+    number = FindPlainOperator(first, at[1]);
+    letters = 2;
+  }
+  if (number == 0) return false;
+  statement.count = count;
+  statement.number = number;
+  position_ = static_cast<size_t>(at + letters - reinterpret_cast<const char *>(bytes()));
+  return true;
+}
+
+}  // namespace kapdf

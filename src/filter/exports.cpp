@@ -1,0 +1,50 @@
+// The two exports, the table of filter rows, and the start and end of the module.
+#include <new>
+
+#include "filter/filter.h"
+#include "platform/module.h"
+
+namespace {
+
+FilterObject *Create(const char16_t *registryPath, bool writing) {
+  try {
+    return reinterpret_cast<FilterObject *>(static_cast<kapdf::CZVFilter *>(new kapdf::CPDFFilter(registryPath, writing)));
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+FilterObject *CreateReader(const char16_t *registryPath) { return Create(registryPath, false); }
+FilterObject *CreateWriter(const char16_t *registryPath) { return Create(registryPath, true); }
+
+void DestroyFilter(FilterObject *filter) {
+  if (filter) reinterpret_cast<kapdf::CZVFilter *>(filter)->Destroy(1);
+}
+
+constexpr uint32_t kReadFlags = 0x30106, kWriteFlags = 0x10107;
+const FilterRow kRows[] = {{kReadFlags, 0, u"Adobe PDF", u"PDF", CreateReader, DestroyFilter},
+                           {kWriteFlags, 0, u"Adobe PDF", u"PDF", CreateWriter, DestroyFilter}};
+
+}  // namespace
+
+extern "C" {
+
+uint32_t ZVGetFilterApiVersion(void) { return KAPDF_API_VERSION; }
+
+uint32_t ZVGetFilterInfo(FilterInfo *info) {
+  *info = {KAPDF_FILTER_VERSION, 0, u"7.0", u"kaPDF", 2, 0, kRows};
+  return 0;
+}
+
+}  // extern "C"
+
+namespace kapdf::platform {
+
+// Hosts expect the module's folder to be the current one once it is loaded.
+void OnModuleAttach() {
+  if (const std::u16string folder = ModuleFolder(); !folder.empty()) SetCurrentFolder(folder);
+}
+
+void OnModuleDetach() {}
+
+}  // namespace kapdf::platform

@@ -1,0 +1,106 @@
+// The filter base, and what reading and writing have in common.
+#include "filter/filter.h"
+
+#include "platform/settings.h"
+
+namespace kapdf {
+
+uint32_t CZVFilter::Identify(const char16_t *, FileInfo *) { return FilterOk; }
+void *CZVFilter::GetPreview(const char16_t *, ProgressObject *) { return previewBitmap_.get(); }
+uint32_t CZVFilter::OpenRead(const char16_t *, FileInfo *, ProgressObject *, const char16_t *, FilterContext *,
+                             FilterCreateFunction) {
+  return FilterOk;
+}
+uint32_t CZVFilter::ReadElement(ElementRecord *) { return FilterOk; }
+uint32_t CZVFilter::OpenWrite(const char16_t *, FileInfo *, ProgressObject *, const char16_t *) { return FilterOk; }
+uint32_t CZVFilter::Reserved6(void *) { return FilterOk; }
+
+uint32_t CZVFilter::BeginSection(int32_t section, uintptr_t, uintptr_t) {
+  currentSection_ = static_cast<uint32_t>(section);
+  return FilterOk;
+}
+
+uint32_t CZVFilter::EndSection(int32_t, uintptr_t, uintptr_t) {
+  currentSection_ = 0;
+  return FilterOk;
+}
+
+uint32_t CZVFilter::WriteElement(ElementRecord *) { return FilterNotAvailable; }
+
+uint32_t CZVFilter::WriteBlock(const void *buffer, uint32_t size, uint32_t count, std::FILE *stream, uint32_t reset) {
+  if (reset != 0) ioFailed_ = 0;
+  if (!stream || std::fwrite(buffer, size, count, stream) < count) ioFailed_ = 1;
+  return ioFailed_;
+}
+
+uint32_t CZVFilter::Close() { return FilterOk; }
+uint32_t CZVFilter::ShowOptions(int32_t, void *, void *) { return FilterNotAvailable; }
+uint32_t CZVFilter::Extended(void *, int32_t, void *) { return FilterNotExtended; }
+
+CPDFFilter::CPDFFilter(const char16_t *registryPath, bool writing) : CZVFilter(registryPath), writing_(writing) {
+  ReadSettings();
+}
+
+void CPDFFilter::ReadSettings() {
+  const platform::Settings settings(registryPath_, u"\\Filter\\PDF");
+  writeSettings_.colorCompression = settings.ReadInteger(u"ColorCompression", 0);
+  writeSettings_.bwCompression = settings.ReadInteger(u"BWCompression", 0);
+  writeSettings_.quality = settings.ReadInteger(u"Quality", 75);
+  writeSettings_.pdfa = settings.ReadInteger(u"PDFA", 0);
+  writeSettings_.atOrigin = settings.ReadInteger(u"AtOrigin", 0);
+  writeSettings_.paperFrame = settings.ReadReal(u"PaperFrame", 2.0);
+  importOptions_.asImage = settings.ReadInteger(u"AsImage", 0);
+  importOptions_.dpi = settings.ReadInteger(u"DPI", 200);
+  importOptions_.colorDepth = settings.ReadInteger(u"ColorDepth", 3);
+  importOptions_.extractText = settings.ReadInteger(u"ExtractText", 0);
+  interpreterSettings_.convertPoly = settings.ReadInteger(u"ConvertPoly", 1) != 0;
+  interpreterSettings_.fitTolerance = settings.ReadReal(u"FitTolerance", 0.002);
+}
+
+// A writer that nobody closed is not finished: its file stays as it is.
+void CPDFFilter::Destroy(uint32_t deleteFlag) {
+  if (deleteFlag & 1) delete this;
+  else this->~CPDFFilter();
+}
+
+uint32_t CPDFFilter::Close() {
+  try {
+    DropDocument();
+    if (writer_ && stream_) writer_->Finish();
+  } catch (...) {  // a full memory leaves the file as far as it got
+  }
+  writer_.reset();
+  stream_.reset();
+  return FilterOk;
+}
+
+void CPDFFilter::DropDocument() {
+  interpreter_.reset();
+  document_.reset();
+}
+
+// The number goes on the stack whatever it is, so that the sections stay balanced.
+uint32_t CPDFFilter::BeginSection(int32_t section, uintptr_t, uintptr_t) {
+  try {
+    sectionStack_.push_back(section);
+    if (writer_) writer_->BeginSection(section);
+  } catch (...) {
+    return FilterNotAvailable;
+  }
+  if (section < 2 || section == 7 || section > 8) return FilterNotAvailable;
+  currentSection_ = static_cast<uint32_t>(section);
+  return FilterOk;
+}
+
+uint32_t CPDFFilter::EndSection(int32_t section, uintptr_t, uintptr_t) {
+  if (sectionStack_.size() > 1) sectionStack_.pop_back();
+  currentSection_ = static_cast<uint32_t>(sectionStack_.back());
+  try {
+    if (writer_) writer_->EndSection(section);
+  } catch (...) {
+    return FilterNotAvailable;
+  }
+  return FilterOk;
+}
+
+}  // namespace kapdf

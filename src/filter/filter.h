@@ -1,0 +1,91 @@
+// The filter object: what a host drives through the table of fourteen operations.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <string>
+
+#include "content/interpreter.h"
+#include "filter/options.h"
+#include "kapdf/kapdf.h"
+#include "pdfmodel/pdf_file.h"
+#include "platform/file.h"
+#include "writer/write_file.h"
+
+namespace kapdf {
+
+// The generic base with a harmless default for every operation. Its virtual functions, in this order, are the contract's
+// table; there is no virtual destructor, since compilers disagree on how many slots one takes.
+class CZVFilter {
+ public:
+  virtual void Destroy(uint32_t deleteFlag) = 0;
+  virtual uint32_t Identify(const char16_t *path, FileInfo *info);
+  virtual void *GetPreview(const char16_t *path, ProgressObject *progress);
+  virtual uint32_t OpenRead(const char16_t *path, FileInfo *info, ProgressObject *progress, const char16_t *options,
+                            FilterContext *context, FilterCreateFunction create);
+  virtual uint32_t ReadElement(ElementRecord *record);
+  virtual uint32_t OpenWrite(const char16_t *path, FileInfo *info, ProgressObject *progress, const char16_t *options);
+  virtual uint32_t Reserved6(void *value);
+  virtual uint32_t BeginSection(int32_t section, uintptr_t a, uintptr_t b);
+  virtual uint32_t EndSection(int32_t section, uintptr_t a, uintptr_t b);
+  virtual uint32_t WriteElement(ElementRecord *record);
+  virtual uint32_t WriteBlock(const void *buffer, uint32_t size, uint32_t count, std::FILE *stream, uint32_t reset);
+  virtual uint32_t Close();
+  virtual uint32_t ShowOptions(int32_t which, void *parent, void *options);
+  virtual uint32_t Extended(void *a, int32_t b, void *c);
+
+ protected:
+  explicit CZVFilter(const char16_t *registryPath) : registryPath_(registryPath ? registryPath : u"") {}
+  CZVFilter(const CZVFilter &) = delete;
+  CZVFilter &operator=(const CZVFilter &) = delete;
+  ~CZVFilter() = default;
+
+  ProgressObject *hostContext_ = nullptr;  // given to the open operations
+  uint32_t currentSection_ = 0;
+  std::unique_ptr<uint8_t[]> previewBitmap_;
+  std::u16string registryPath_;
+  uint32_t ioFailed_ = 0;
+};
+
+// One document, for reading or for writing. No exception leaves an operation.
+class CPDFFilter final : public CZVFilter {
+ public:
+  CPDFFilter(const char16_t *registryPath, bool writing);
+
+  void Destroy(uint32_t deleteFlag) override;
+  uint32_t Identify(const char16_t *path, FileInfo *info) override;
+  uint32_t OpenRead(const char16_t *path, FileInfo *info, ProgressObject *progress, const char16_t *options,
+                    FilterContext *context, FilterCreateFunction create) override;
+  uint32_t ReadElement(ElementRecord *record) override;
+  uint32_t OpenWrite(const char16_t *path, FileInfo *info, ProgressObject *progress, const char16_t *options) override;
+  uint32_t BeginSection(int32_t section, uintptr_t a, uintptr_t b) override;
+  uint32_t EndSection(int32_t section, uintptr_t a, uintptr_t b) override;
+  uint32_t WriteElement(ElementRecord *record) override;
+  uint32_t Close() override;
+
+ private:
+  ~CPDFFilter() = default;
+
+  void ReadSettings();
+  uint32_t OpenDocument(const char16_t *path, FileInfo &info);
+  uint32_t OpenPage(const FileInfo &info);
+  void DropDocument();
+  platform::FileHandle OpenOutput(std::u16string_view path, FileInfo &info) const;
+  uint32_t StartWriter(const char16_t *path, FileInfo &info);
+  uint32_t DispatchElement(ElementRecord &record);
+
+  bool writing_;
+  WriteSettings writeSettings_{};
+  ImportOptions importOptions_;
+  InterpreterSettings interpreterSettings_;
+  std::deque<int32_t> sectionStack_{0};  // its first 0 is never popped
+  std::u16string optionString_;
+
+  // In this order, since each stands on the one before.
+  platform::FileHandle stream_;
+  std::unique_ptr<CPDFFile> document_;
+  std::unique_ptr<Interpreter> interpreter_;
+  std::unique_ptr<CPDFWriteFile> writer_;
+};
+
+}  // namespace kapdf

@@ -1,0 +1,16 @@
+// Flattening of cubic Bezier curves.
+#pragma once
+
+#include <cstddef>
+
+#include "geometry/coord_array.h"
+
+namespace kapdf {
+
+// Appends a cubic curve from the array's last point over two control points to an end point, in the coordinates' own unit:
+// one step for each 0.2 of the control polygon's length, at least 10, by the Bernstein form; the end point goes in exactly.
+// Nothing happens on an empty array. A curve of more steps than the bound, or one that would bring the array above
+// `maxPoints`, gives its end point only.
+void FlattenCubic(CoordArray &points, double x1, double y1, double x2, double y2, double x3, double y3, size_t maxPoints);
+
+}  // namespace kapdf
