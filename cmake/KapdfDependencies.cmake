@@ -17,7 +17,7 @@ function(kapdf_find name header library)
   target_compile_definitions(kapdf::${name} INTERFACE ${ARG_DEFINITIONS})
 endfunction()
 
-kapdf_find(zlib zlib.h z)
+kapdf_find(zlib zlib.h "z;zlib")
 kapdf_find(jpeg jpeglib.h jpeg)
 kapdf_find(jbig2 jbig2.h jbig2dec)
 kapdf_find(freetype ft2build.h freetype SUFFIXES freetype2)
