@@ -17,7 +17,7 @@ void InitializeRecord(ElementRecord &record) {
   record.color = KAPDF_COLOR_BY_LAYER;
 }
 
-Interpreter::Interpreter(PageContent page, const InterpreterSettings &settings)
+Interpreter::Interpreter(PageToRead page, const InterpreterSettings &settings)
     : page_(std::move(page.stream)), context_(page_.get()), settings_(settings) {
   state_.ctm = page.baseMatrix;
   InitializeRecord(blocks_.spare);

@@ -16,7 +16,7 @@
 namespace kapdf {
 
 // What page set-up leaves for the interpreter.
-struct PageContent {
+struct PageToRead {
   std::unique_ptr<CPDFContentStream> stream;
   Affine baseMatrix;  // content coordinates to page coordinates, points
 };
@@ -31,7 +31,7 @@ struct InterpreterSettings {
 // filled with millimetres; what they point to stays valid until the next call.
 class Interpreter {
  public:
-  Interpreter(PageContent page, const InterpreterSettings &settings);
+  Interpreter(PageToRead page, const InterpreterSettings &settings);
   ~Interpreter();
 
   // Fills the record with the next element. 0, or 0xFFFF0004 at the end of the page, then and on every later call.

@@ -32,7 +32,7 @@ Affine RotatePage(double rotate, PageBox &box) {
   return {c, -s, s, c, x >= 0 ? 0 : -x, y >= 0 ? 0 : -y};
 }
 
-std::optional<PageContent> SetupPage(CPDFFile &document, const PagePosition &position) {
+std::optional<PageToRead> SetupPage(CPDFFile &document, const PagePosition &position) {
   uint8_t firstChar;
   if (!OpenObject(document.objects(), position.objectNumber, firstChar)) return std::nullopt;
   auto dictionary = std::make_unique<CPDFDictionary>(document);
@@ -43,7 +43,7 @@ std::optional<PageContent> SetupPage(CPDFFile &document, const PagePosition &pos
     rotate = angle->realValue / 360.0 * 2.0 * std::numbers::pi;
   }
   ReadBox(dictionary->Get("MediaBox"), box);
-  PageContent page;
+  PageToRead page;
   page.baseMatrix = RotatePage(rotate, box);
   const platform::Settings settings(document.registryPath(), u"\\PDF");
   const bool diagnostics = settings.ReadInteger(u"WriteToTxt", 0) != 0;

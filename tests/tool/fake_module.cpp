@@ -227,7 +227,7 @@ uint32_t OpenRead(FilterObject *self, const char16_t *path, FileInfo *info, Prog
   if (const uint32_t result = ReadWord(f, path); result != 0) return result;
   f.next = 0;
   if (f.word == "all" && f.script.size() == 0) f.script.AddAll();
-  f.log.open(std::filesystem::path(PathOf(path)) += ".served");
+  f.log.open(std::filesystem::path(PathOf(path)) += ".served", std::ios::binary);
   return 0;
 }
 

@@ -109,10 +109,10 @@ std::vector<KindCase> Kinds() {
 }
 
 TEST(Content, EachKind) {
-  const TestSettings settings;
+  const Workspace workspace;
   for (const KindCase &c : Kinds()) {
     SCOPED_TRACE(c.what);
-    Sheet sheet(settings);
+    Sheet sheet(workspace);
     sheet.Start().Layer(u"A");
     EXPECT_EQ(c.draw(sheet), c.result);
     const std::string content = ContentOf(sheet.Finish());
@@ -179,8 +179,8 @@ TEST(Content, ArcsInQuarters) {
 }
 
 TEST(Content, SendsOnlyWhatChanges) {
-  const TestSettings settings;
-  Sheet sheet(settings);
+  const Workspace workspace;
+  Sheet sheet(workspace);
   sheet.Start().Layer(u"A", 1).Layer(u"B", 256, 0).Layer(u"B", 3, 9);
   sheet.DrawLine(0, 0, 1, 1, 0.25, u"nowhere");  // the first layer stands in
   sheet.DrawLine(0, 0, 1, 1, 0.25, u"A", 256);
@@ -200,8 +200,8 @@ TEST(Content, SendsOnlyWhatChanges) {
 }
 
 TEST(Content, OpacityStatesAreShared) {
-  const TestSettings settings;
-  Sheet sheet(settings);
+  const Workspace workspace;
+  Sheet sheet(workspace);
   sheet.Start().Layer(u"A");
   for (double opacity : {50.0, 50.004, 100.0, 25.0, 50.0, kNan})
     sheet.Draw(ElemFilledPolygon, Polygon(kHoledStarts, opacity));
@@ -216,8 +216,8 @@ TEST(Content, OpacityStatesAreShared) {
 }
 
 TEST(Content, DashedLineTypesGoBackToTheHost) {
-  const TestSettings settings;
-  Sheet sheet(settings);
+  const Workspace workspace;
+  Sheet sheet(workspace);
   sheet.Start().Layer(u"A").LineType(u"Dashed", 2).LineType(u"Plain", 1).LineType(u"Plain", 4);
   LinePayload line{};
   ElementRecord record = RecordOf(ElemLine, &line);
@@ -239,20 +239,20 @@ TEST(Content, PenSettings) {
     double miter;
     const char *start;
   };
-  const TestSettings settings;
+  const Workspace workspace;
   for (const Case &c : {Case{2, 1, 4, "q\n2 j\n1 J\n"}, Case{0, 0, 4, "q\n4.000 M\n"}, Case{0, 0, 10, "q\n"}}) {
-    settings.pdf().WriteInteger(u"JoinStyle", c.join);
-    settings.pdf().WriteInteger(u"LineCap", c.cap);
-    settings.pdf().WriteReal(u"Miter", c.miter);
-    Sheet sheet(settings);
+    workspace.pdf().WriteInteger(u"JoinStyle", c.join);
+    workspace.pdf().WriteInteger(u"LineCap", c.cap);
+    workspace.pdf().WriteReal(u"Miter", c.miter);
+    Sheet sheet(workspace);
     sheet.Start().Layer(u"A").DrawLine(0, 0, 1, 1);
     EXPECT_TRUE(ContentOf(sheet.Finish()).starts_with(c.start + "2.835 0 0 2.835 0 0 cm\n"s)) << c.start;
   }
 }
 
 TEST(Content, NothingWithoutLayersOrBehindThePage) {
-  const TestSettings settings;
-  Sheet sheet(settings);
+  const Workspace workspace;
+  Sheet sheet(workspace);
   sheet.Start();
   EXPECT_EQ(sheet.DrawLine(0, 0, 1, 1), FilterOk);
   EXPECT_EQ(sheet.writer().EndPage(), FilterOk);
@@ -265,8 +265,8 @@ TEST(Content, NothingWithoutLayersOrBehindThePage) {
 }
 
 TEST(Content, CoordinateSystemIsCheckedAndTakenWhileThePageIsOpen) {
-  const TestSettings settings;
-  Sheet sheet(settings);
+  const Workspace workspace;
+  Sheet sheet(workspace);
   sheet.writer().Start(sheet.info());
   std::u16string name = u"CoordSys", other = u"Author", good(3440, u'a'), odd(3439, u'a'), letter(3440, u'g');
   const auto put = [&](std::u16string &key, uint32_t type, std::u16string &value) {
@@ -283,8 +283,8 @@ TEST(Content, CoordinateSystemIsCheckedAndTakenWhileThePageIsOpen) {
 }
 
 TEST(Content, RastersAreRefused) {
-  const TestSettings settings;
-  Sheet sheet(settings);
+  const Workspace workspace;
+  Sheet sheet(workspace);
   sheet.Start();
   RasterPlacementPayload placement{};
   const std::pair<int32_t, uint32_t> cases[] = {

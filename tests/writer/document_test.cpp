@@ -33,7 +33,7 @@ std::string XRefFor(const std::string &body, size_t objects, size_t dateBytes = 
 }
 
 TEST(Document, EmptyOne) {
-  const TestSettings settings;
+  const Workspace workspace;
   const std::string body =
       kHead5 + kInfo +
       "2 0 obj\r<<\r/Type /Catalog\r/Pages 4 0 R\r/OCProperties 3 0 R\r/PageMode /UseOC>>\rendobj\r"
@@ -44,12 +44,12 @@ TEST(Document, EmptyOne) {
       "7 0 obj\r<<\r/Length 8 0 R\r>>\rstream\r\nq\nQ\nendstream\rendobj\r8 0 obj\r3 endobj\r"
       "3 0 obj <</D <</OFF []\r/Order []\r>>\r/OCGs []\r>> endobj\r"
       "6 0 obj\r<<\r/Procset [/PDF /Text /ImageB]\r/Properties <<\r>>\r>>\rendobj\r";
-  EXPECT_EQ(WithoutDate(Sheet(settings).Start().Finish()), body + XRefFor(body, 8));
+  EXPECT_EQ(WithoutDate(Sheet(workspace).Start().Finish()), body + XRefFor(body, 8));
 }
 
 TEST(Document, LayersAndOpacity) {
-  const TestSettings settings;
-  Sheet sheet(settings);
+  const Workspace workspace;
+  Sheet sheet(workspace);
   sheet.Start().Layer(u"Walls (old", 1).Layer(u"B", 7, -1, true);
   sheet.DrawLine(1, 2, 3, 4, 0.25, u"B");
   double square[] = {0, 0, 9, 0, 9, 9, 0, 9};
@@ -89,9 +89,9 @@ TEST(Document, LayersAndOpacity) {
 }
 
 TEST(Document, PdfA) {
-  const TestSettings settings;
-  settings.pdf().WriteInteger(u"PDFA", 1);
-  Sheet sheet(settings);
+  const Workspace workspace;
+  workspace.pdf().WriteInteger(u"PDFA", 1);
+  Sheet sheet(workspace);
   sheet.Start().Layer(u"A");
   sheet.DrawLine(0, 0, 1, 1);
   sheet.Draw(ElemSolid, SolidPayload{});
@@ -107,9 +107,9 @@ TEST(Document, PdfA) {
 
 // The option string's PDF/A leaves transparency as the settings have it, and the other way round.
 TEST(Document, OptionStringOverSettings) {
-  const TestSettings settings;
+  const Workspace workspace;
   {
-    Sheet sheet(settings);
+    Sheet sheet(workspace);
     WriteSettings options;
     options.pdfa = 1;
     options.atOrigin = 1;
@@ -121,8 +121,8 @@ TEST(Document, OptionStringOverSettings) {
     EXPECT_NE(file.find("/Group"), std::string::npos);
     EXPECT_NE(file.find("/MediaBox [ 0.000 0.000 255.118 141.732 ]"), std::string::npos);
   }
-  settings.pdf().WriteInteger(u"PDFA", 1);
-  Sheet sheet(settings);
+  workspace.pdf().WriteInteger(u"PDFA", 1);
+  Sheet sheet(workspace);
   sheet.writer().Override({});
   const std::string file = sheet.Start().Finish();
   EXPECT_TRUE(file.starts_with("%PDF-1.5"));
@@ -141,15 +141,15 @@ TEST(Document, PdfAChoosesImageCompression) {
 }
 
 TEST(Document, InfoTakesItsTextsUnescapedAndCut) {
-  const TestSettings settings;
-  settings.pdf().WriteString(u"Subject", u"a) b");
-  settings.pdf().WriteString(u"Keywords", std::u16string(1200, u'k'));
-  settings.pdf().WriteString(u"Author", std::u16string(300, u'\u00E4'));
-  const std::string info = Between(Sheet(settings, u"t(1.pdf").Start().Finish(), "V12)\r", ">>\r");
+  const Workspace workspace;
+  workspace.pdf().WriteString(u"Subject", u"a) b");
+  workspace.pdf().WriteString(u"Keywords", std::u16string(1200, u'k'));
+  workspace.pdf().WriteString(u"Author", std::u16string(300, u'\u00E4'));
+  const std::string info = Between(Sheet(workspace, u"t(1.pdf").Start().Finish(), "V12)\r", ">>\r");
   EXPECT_EQ(info, "/Author (" + std::string(255, '\xE4') + ")\r/Title (t(1.pdf)\r/Subject (a) b)\r/Keywords (" +
                       std::string(1023, 'k') + ")\r");
-  settings.pdf().WriteString(u"Author", u"");
-  EXPECT_NE(Between(Sheet(settings).Start().Finish(), "/Author (", ")"), std::string(255, '\xE4'));
+  workspace.pdf().WriteString(u"Author", u"");
+  EXPECT_NE(Between(Sheet(workspace).Start().Finish(), "/Author (", ")"), std::string(255, '\xE4'));
 }
 
 struct PageCase {
@@ -174,10 +174,10 @@ TEST(Document, PageOnItsSheet) {
       {"no area", 5, 5, 5, 5, 0, 0, "14.173 14.173 14.173 14.173", "1.000 1.000"},
       {"not a number", NAN, 0, INFINITY, 10, NAN, 0, "0.000 0.000 0.000 28.346", "1.000 1.000"},
   };
-  const TestSettings settings;
+  const Workspace workspace;
   for (const PageCase &c : cases) {
     SCOPED_TRACE(c.what);
-    Sheet sheet(settings);
+    Sheet sheet(workspace);
     std::memcpy(&sheet.info().xmin, &c.xmin, 4 * sizeof(double));
     WriteSettings options;
     options.paperFrame = c.frame;
@@ -213,6 +213,7 @@ TEST(XRefStream, FieldWidths) {
       {65536, 0, 'n', "[1 4 0]", 5}, {255, 0, '2', "[1 1 1]", 3},     {255, 255, '2', "[1 1 1]", 3},
       {255, 256, '2', "[1 1 2]", 4}, {255, 65535, '2', "[1 1 2]", 4}, {70000, 65536, '2', "[1 4 4]", 9},
   };
+  const Workspace workspace;
   for (const WidthCase &c : cases) {
     const auto stream = platform::OpenFile(u"xref.bin", "w+b", platform::Share::kAll);
     CZVFFile file(stream.get(), false, u"");
@@ -240,13 +241,13 @@ TEST(XRefStream, FieldWidths) {
 
 // A host that never ends section 2 leaves the page's dictionary open; one that never ends the page is helped.
 TEST(Document, WhatTheHostLeavesOpen) {
-  const TestSettings settings;
-  Sheet sheet(settings);
+  const Workspace workspace;
+  Sheet sheet(workspace);
   sheet.writer().Start(sheet.info());
   const std::string file = sheet.Finish();
   EXPECT_NE(file.find("/Transparency >>\r7 0 obj\r"), std::string::npos);
   EXPECT_NE(file.find("q\nQ\nendstream"), std::string::npos);
-  EXPECT_EQ(Sheet(settings).Finish(), "") << "never started";
+  EXPECT_EQ(Sheet(workspace).Finish(), "") << "never started";
 }
 
 }  // namespace

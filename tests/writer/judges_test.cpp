@@ -11,9 +11,9 @@ namespace {
 constexpr bool kLinux = std::filesystem::path::preferred_separator == '/';
 
 // Every kind, three layers of which one is off, and a clear polygon.
-std::string WriteDrawing(const TestSettings &settings, const char *name, double size = 200) {
+std::string WriteDrawing(const Workspace &workspace, const char *name, double size = 200) {
   const std::string narrow = name;
-  Sheet sheet(settings, std::u16string(narrow.begin(), narrow.end()), size, size / 2);
+  Sheet sheet(workspace, std::u16string(narrow.begin(), narrow.end()), size, size / 2);
   sheet.Start().Layer(u"Walls", 1, 1).Layer(u"Hidden", 3, 0.5, true).Layer(u"Areas", 170);
   sheet.writer().BeginSection(4);
   const double s = size / 200;
@@ -66,12 +66,12 @@ std::string Output(const std::string &command) {
 
 TEST(Judges, AcceptWhatIsWritten) {
   if (!kLinux || std::getenv("KAPDF_NO_JUDGES")) GTEST_SKIP() << "the judges run on Linux";
-  const TestSettings settings;
-  std::vector<std::string> files = {WriteDrawing(settings, "drawing.pdf"), WriteDrawing(settings, "large.pdf", 9000)};
-  Sheet(settings, u"empty.pdf").Start().Finish();
+  const Workspace workspace;
+  std::vector<std::string> files = {WriteDrawing(workspace, "drawing.pdf"), WriteDrawing(workspace, "large.pdf", 9000)};
+  Sheet(workspace, u"empty.pdf").Start().Finish();
   files.push_back("empty.pdf");
-  settings.pdf().WriteInteger(u"PDFA", 1);
-  files.push_back(WriteDrawing(settings, "archive.pdf"));
+  workspace.pdf().WriteInteger(u"PDFA", 1);
+  files.push_back(WriteDrawing(workspace, "archive.pdf"));
   for (const std::string &file : files) {
     SCOPED_TRACE(file);
     const std::string checked = Output("qpdf --check " + file);
@@ -87,8 +87,8 @@ TEST(Judges, AcceptWhatIsWritten) {
 // How many pixels a reader paints in each of three places: a hidden line, the fill and the hole of the clear polygon.
 TEST(Judges, SeeLayersHolesAndOpacity) {
   if (!kLinux || std::getenv("KAPDF_NO_JUDGES")) GTEST_SKIP() << "the judges run on Linux";
-  const TestSettings settings;
-  const std::string file = WriteDrawing(settings, "seen.pdf");
+  const Workspace workspace;
+  const std::string file = WriteDrawing(workspace, "seen.pdf");
   ASSERT_EQ(Output("mutool draw -q -r 72 -c rgb -A 0 -o seen.pnm " + file), "[0]");
   std::ifstream image("seen.pnm", std::ios::binary);
   std::string magic;

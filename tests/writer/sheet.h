@@ -17,18 +17,33 @@
 
 namespace kapdf {
 
-// Settings of one test, below a path of its own.
-class TestSettings {
+// A folder and settings of one test's own, so that tests may run side by side.
+class Workspace {
  public:
-  TestSettings() : path_(u"Software\\kaPDF writer test"), pdf_(path_, u"\\PDF") {
+  Workspace()
+      : before_(std::filesystem::current_path()),
+        path_(u"Software\\kaPDF writer test\\" + TestName()),
+        pdf_(path_, u"\\PDF") {
+    const std::filesystem::path folder(TestName());
+    std::filesystem::create_directories(folder);
+    std::filesystem::current_path(folder);
     platform::Settings(path_, u"").RemoveKey();
     pdf_.WriteString(u"Author", u"Ada");
   }
-  ~TestSettings() { platform::Settings(path_, u"").RemoveKey(); }
+  ~Workspace() {
+    platform::Settings(path_, u"").RemoveKey();
+    std::filesystem::current_path(before_);
+  }
   const platform::Settings &pdf() const { return pdf_; }
-  const std::u16string &path() const { return path_; }
+  const std::u16string &registryPath() const { return path_; }
 
  private:
+  static std::u16string TestName() {
+    const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+    return {name.begin(), name.end()};
+  }
+
+  std::filesystem::path before_;
   std::u16string path_;
   platform::Settings pdf_;
 };
@@ -45,14 +60,15 @@ inline ElementRecord RecordOf(uint32_t kind, void *payload, std::u16string_view 
 
 class Sheet {
  public:
-  explicit Sheet(const TestSettings &settings, std::u16string_view name = u"sheet.pdf", double width = 100,
+  explicit Sheet(const Workspace &workspace, std::u16string_view name = u"sheet.pdf", double width = 100,
                  double height = 50)
       : name_(name) {
     info_.xmax = width;
     info_.ymax = height;
     info_.pageIndex = -1;
     stream_ = platform::OpenFile(name_, "w+b", platform::Share::kAll);
-    writer_.emplace(stream_.get(), settings.path(), u"C:\\folder/" + name_);
+    const auto separator = static_cast<char16_t>(std::filesystem::path::preferred_separator);
+    writer_.emplace(stream_.get(), workspace.registryPath(), std::u16string(u"folder") + separator + name_);
   }
   CPDFWriteFile &writer() { return *writer_; }
   FileInfo &info() { return info_; }
