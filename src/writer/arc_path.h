@@ -11,7 +11,8 @@ inline constexpr double kQuarterTurn = std::numbers::pi / 2;
 inline constexpr double kFullTurn = 2 * std::numbers::pi;
 
 // Millimetres and radians. Angles are those of the ellipse's parameter, counter-clockwise from the first axis, which
-// itself is turned by `rotation`. Any angles: the sweep is brought into the range above 0 up to a full turn.
+// itself is turned by `rotation`. Any angles: the sweep is brought into the range above 0 up to a full turn,
+// so equal angles are the whole ellipse.
 struct EllipseArc {
   double cx, cy, radiusX, radiusY, rotation, startAngle, endAngle;
 };

@@ -109,16 +109,10 @@ void PageContent::Draw(const PointPayload &point) {
 }
 
 void PageContent::Draw(const ArcPayload &arc) {
-  PutArc({arc.width, arc.cx, arc.cy, arc.radius, arc.radius, 0, arc.startAngle, arc.endAngle});
+  Draw(EllipseArcPayload{arc.width, arc.cx, arc.cy, arc.radius, arc.radius, 0, arc.startAngle, arc.endAngle});
 }
 
 void PageContent::Draw(const EllipseArcPayload &arc) {
-  EllipseArcPayload whole = arc;
-  if (whole.startAngle == whole.endAngle) whole.endAngle += kFullTurn;
-  PutArc(whole);
-}
-
-void PageContent::PutArc(const EllipseArcPayload &arc) {
   const ArcPath path = TraceArc({arc.cx - page_.originX, arc.cy - page_.originY, arc.majorRadius, arc.minorRadius,
                                  arc.rotation, arc.startAngle, arc.endAngle});
   PutWidth(arc.width);

@@ -49,7 +49,6 @@ class PageContent {
     out_.Point(x1, y1).Byte(' ').Point(x2, y2).Byte(' ').Point(x3, y3).Text(" c\n");
   }
   TextOut &PutPoint(double x, double y) { return out_.Point(x - page_.originX, y - page_.originY); }
-  void PutArc(const EllipseArcPayload &arc);
 
   static constexpr uint32_t kNoColor = 0xFFFFFFFF;
 
