@@ -87,7 +87,7 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
       {{"export", "point.jsonl", "-o", "gone.pdf", "--options", "/col X"}, 1, "option string is wrong (result 18)"},
       {{"export", "point.jsonl", "-o", "point.jsonl"}, 2, "would overwrite the input"},
       {{"export", "two.jsonl", "-o", "gone.pdf"}, 1, "choose one with --page"},
-      {{"export", "two.jsonl", "-o", "gone.pdf", "--page", "3"}, 1, "there is no page 3"},
+      {{"export", "two.jsonl", "-o", "gone.pdf", "--page", "3"}, 1, "has no page 3; its pages are 1 to 2"},
       {{"import", "all.pdf", "--set", "Qualty=3"}, 2, "there is no setting \"Qualty\""},
       {{"import", "all.pdf", "--set", "Quality=3.5"}, 2, "Quality takes an integer"},
       {{"import", "all.pdf", "--set", "PaperFrame=inf"}, 2, "PaperFrame takes a number"},

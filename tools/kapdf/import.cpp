@@ -100,8 +100,7 @@ Outcome ReadPages(PageReader &reader, const ImportRequest &request, Progress &pr
   const int first = request.all ? 1 : request.page.value_or(1);
   const int last = request.all ? reader.pages() : first;
   if (first < 1 || first > reader.pages()) {
-    return Fail(request.file + " has no page " + std::to_string(first) + "; its pages are 1 to " +
-                std::to_string(reader.pages()));
+    return NoSuchPage(request.file, first, reader.pages());
   }
   for (int page = first; page <= last; ++page) {
     progress.SetPart(page - first, last - first + 1);

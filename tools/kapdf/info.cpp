@@ -51,8 +51,7 @@ Outcome RunInfo(const Session &session, const InfoRequest &request) {
       << std::flush;
   if (reader.pages() < 1) return {};
   if (request.page < 1 || request.page > reader.pages()) {
-    return Fail(request.file + " has no page " + std::to_string(request.page) + "; its pages are 1 to " +
-                std::to_string(reader.pages()));
+    return NoSuchPage(request.file, request.page, reader.pages());
   }
   Counter counter;
   Progress progress(session.streams.err, session.showProgress);

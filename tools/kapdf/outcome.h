@@ -21,4 +21,10 @@ inline Outcome Fail(std::string sentence) { return {kExitFailure, std::move(sent
 inline Outcome FailUsage(std::string sentence) { return {kExitUsage, std::move(sentence)}; }
 inline Outcome Interrupted() { return {kExitInterrupted, "stopped; nothing was kept"}; }
 
+// `page` counts from 1 and is not one of the `pages`.
+inline Outcome NoSuchPage(const std::string &name, int page, int pages) {
+  if (pages < 1) return Fail(name + " has no pages");
+  return Fail(name + " has no page " + std::to_string(page) + "; its pages are 1 to " + std::to_string(pages));
+}
+
 }  // namespace kapdf::tool

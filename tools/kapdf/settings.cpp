@@ -112,10 +112,10 @@ Outcome ParseSetting(std::string_view assignment, std::vector<SettingValue> &val
   }
   constexpr std::pair<Keys, std::string_view> kSuffixes[] = {
       {kFilterKey, "\\Filter"}, {kPdf, "\\PDF"}, {kFilterPdf, "\\Filter\\PDF"}};
-  for (const auto &[key, suffix] : kSuffixes) {
-    if ((row->keys & key) == 0) continue;
-    value.suffix = suffix;
-    std::erase_if(values, [&](const SettingValue &v) { return v.suffix == suffix && v.name == value.name; });
+  for (const auto &entry : kSuffixes) {
+    if ((row->keys & entry.first) == 0) continue;
+    value.suffix = entry.second;
+    std::erase_if(values, [&](const SettingValue &v) { return v.suffix == value.suffix && v.name == value.name; });
     values.push_back(value);
   }
   return {};

@@ -274,10 +274,13 @@ void SvgPage::Finish(std::string &out, const std::string &title) const {
       "xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\" width=\"" +
       width + "mm\" height=\"" + height + "mm\" viewBox=\"" + x + " " + y + " " + width + " " + height + "\">\n<title>";
   AppendXml(out, std::string_view(title));
-  out += "</title>\n<style>.hair{stroke-width:1px;vector-effect:non-scaling-stroke}</style>\n<rect x=\"" + x +
-         "\" y=\"" + y + "\" width=\"" + width + "\" height=\"" + height + "\" fill=\"" +
-         // White lines need a paper that they stand out from.
-         (whiteInk_ ? "#c8c8c8" : "#ffffff") + "\"/>\n<g fill=\"none\" stroke-linejoin=\"round\">\n";
+  // A hairline is a pixel wide at every size, and thin where a viewer knows no such lines.
+  out +=
+      "</title>\n<style>.hair{stroke-width:0.1}@supports(vector-effect:non-scaling-stroke)"
+      "{.hair{stroke-width:1px;vector-effect:non-scaling-stroke}}</style>\n<rect x=\"" +
+      x + "\" y=\"" + y + "\" width=\"" + width + "\" height=\"" + height + "\" fill=\"" +
+      // White lines need a paper that they stand out from.
+      (whiteInk_ ? "#c8c8c8" : "#ffffff") + "\"/>\n<g fill=\"none\" stroke-linejoin=\"round\">\n";
   std::vector<size_t> parts(layers_.size());
   for (const Group &group : groups_) {
     const Layer &layer = layers_[group.layer];
