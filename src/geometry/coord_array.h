@@ -34,6 +34,13 @@ class CoordArray {
     return *this;
   }
   CoordArray &PushPoint(double x, double y) { return Push(x).Push(y); }
+  // Makes room for that many values behind the last one and gives their place; they count as in use and are zero.
+  double *Extend(size_t count) {
+    const size_t size = values_.size();
+    Reserve(size + count);
+    values_.resize(size + count);
+    return values_.data() + size;
+  }
   // Forgets the values and keeps the storage.
   void Clear() { values_.clear(); }
 

@@ -63,6 +63,7 @@ size_t CZVFlate::decompress(uint8_t *buffer, size_t count) {
       state_ = kCodecDamaged;
       return 0;
     }
+    inflateValidate(stream.get(), 0);  // a wrong checksum at the end takes nothing from the data
     inflate_.reset(stream.release());
   }
   size_t done = 0;

@@ -27,6 +27,7 @@ class CPDFFile final : public CPDFBlockSource {
   // no root; 11 for an encrypted one; 12 when it is not a PDF file or has no usable cross-reference. On 0
   // `info.pageCount` and `info.formatName` are set.
   uint32_t Open(FileInfo &info);
+  using CZVMemoryFileRead::Open;
 
   // False for an index outside the page table.
   bool GetPage(int32_t index, PagePosition &page) const;
