@@ -20,7 +20,7 @@ struct Ran {
 
 Ran Kapdf(std::vector<std::string> words, const std::string &input = "") {
   // Beside the tests, with this system's ending.
-  words.push_back("--lib");
+  words.emplace_back("--lib");
   words.push_back(ProgramFolder() + "/fake_module" + ModuleFileName().substr(ModuleFileName().find('.')));
   std::istringstream in(input);
   std::ostringstream out, err;

@@ -39,7 +39,9 @@ Outcome ReadDrawing(std::istream &in, const std::string &name, std::optional<int
     if (number == 1 && words.starts_with("\xEF\xBB\xBF")) words.remove_prefix(3);
     if (words.find_first_not_of(" \t\r") == std::string_view::npos) continue;
     const auto at = [&](const std::string &what) {
-      return Fail("line " + std::to_string(number) + " of " + name + ": " + what);
+      std::string sentence = "line " + std::to_string(number);
+      sentence.append(" of ").append(name).append(": ").append(what);
+      return Fail(std::move(sentence));
     };
     if (!line.Parse(words, fault)) return at(fault);
     if (line.Find("kapdf") != nullptr) {

@@ -216,7 +216,7 @@ Outcome RunExport(const Session &session, const ExportRequest &request) {
     return Fail("cannot write " + request.output + ": " + OpenResult(result));
   }
   DrawingWriter writer(drawing, tables, filter, progress);
-  const Outcome outcome = writer.Write();
+  Outcome outcome = writer.Write();
   filter.table().Close(filter.get());
   progress.Clear();
   if (!outcome.ok()) {

@@ -55,7 +55,7 @@ Outcome RunInfo(const Session &session, const InfoRequest &request) {
   }
   Counter counter;
   Progress progress(session.streams.err, session.showProgress);
-  const Outcome read = reader.Read(request.page, "", progress, counter);
+  Outcome read = reader.Read(request.page, "", progress, counter);
   progress.Clear();
   if (!read.ok()) return read;
   out << "page " << request.page << "     " << counter.counts().Tell() << "\n"

@@ -23,7 +23,7 @@ char fileInUse[4096];
 using Section = std::vector<std::pair<std::string, std::string>>;
 
 std::string UserSettingsFile() {
-  if (const std::string named = Environment(kVariable); !named.empty()) return named;
+  if (std::string named = Environment(kVariable); !named.empty()) return named;
   if (const std::string config = Environment("XDG_CONFIG_HOME"); !config.empty()) return config + "/kaPDF/settings.ini";
   return Environment("HOME") + "/.config/kaPDF/settings.ini";
 }
@@ -79,7 +79,7 @@ bool SettingsForRun::Store(const std::vector<SettingValue> &values, std::string 
   }
   for (const auto &[suffix, section] : sections) {
     text += "[" + std::string(kRunPath) + suffix + "]\n";
-    for (const auto &[name, value] : section) text += name + "=" + value + "\n";
+    for (const auto &[name, value] : section) text.append(name).append("=").append(value).append("\n");
   }
 
   std::error_code error;
