@@ -1,0 +1,41 @@
+// A file of given bytes that lives as long as its object.
+#pragma once
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace kapdf::test {
+
+// In the current folder, open for reading and writing, at its start. std::tmpfile asks for rights on Windows that a
+// test does not have.
+class TempFile {
+ public:
+  explicit TempFile(std::string_view bytes) : path_(NewName()), stream_(std::fopen(path_.c_str(), "w+b")) {
+    if (!stream_ || std::fwrite(bytes.data(), 1, bytes.size(), stream_) != bytes.size()) std::abort();
+    std::rewind(stream_);
+  }
+  TempFile(const TempFile &) = delete;
+  TempFile &operator=(const TempFile &) = delete;
+  ~TempFile() {
+    std::fclose(stream_);
+    std::remove(path_.c_str());
+  }
+
+  std::FILE *stream() const { return stream_; }
+  const std::string &path() const { return path_; }  // ASCII
+  std::u16string path16() const { return {path_.begin(), path_.end()}; }
+
+ private:
+  static std::string NewName() {
+    static std::atomic<unsigned> count{0};
+    return "bytes-" + std::to_string(reinterpret_cast<size_t>(&count)) + "-" + std::to_string(++count) + ".tmp";
+  }
+
+  std::string path_;
+  std::FILE *stream_;
+};
+
+}  // namespace kapdf::test
