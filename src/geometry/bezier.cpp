@@ -1,6 +1,5 @@
 #include "geometry/bezier.h"
 
-#include <array>
 #include <cmath>
 
 #include "base/limits.h"
@@ -17,22 +16,13 @@ int StepsFor(double legs) {
   return steps > kFewestSteps ? static_cast<int>(std::fmin(steps, limits::kCurvePoints + 1.0)) : kFewestSteps;
 }
 
-// Bernstein weights of one parameter.
-struct Weights {
-  double b0, b1, b2, b3;
+// The Bernstein sum of one coordinate, gathered by powers of the parameter: ((a t + b) t + c) t + d.
+struct Cubic {
+  Cubic(double p0, double p1, double p2, double p3)
+      : a(p3 - p0 + 3.0 * (p1 - p2)), b(3.0 * (p0 - 2.0 * p1 + p2)), c(3.0 * (p1 - p0)), d(p0) {}
+  double At(double t) const { return ((a * t + b) * t + c) * t + d; }
+  double a, b, c, d;
 };
-
-Weights WeightsAt(double t) {
-  const double u = 1.0 - t;
-  return {u * u * u, 3.0 * t * u * u, 3.0 * t * t * u, t * t * t};
-}
-
-// Those of a curve of the fewest steps, which most curves are.
-const std::array<Weights, kFewestSteps - 1> kShortCurve = [] {
-  std::array<Weights, kFewestSteps - 1> weights{};
-  for (int i = 1; i < kFewestSteps; ++i) weights[static_cast<size_t>(i - 1)] = WeightsAt(i * (1.0 / kFewestSteps));
-  return weights;
-}();
 
 double Distance(double x0, double y0, double x1, double y1) {
   const double dx = x1 - x0, dy = y1 - y0;
@@ -48,13 +38,16 @@ void FlattenCubic(CoordArray &points, double x1, double y1, double x2, double y2
   if (steps > limits::kCurvePoints || points.size() / 2 + static_cast<size_t>(steps) > maxPoints) steps = 1;
   const double step = 1.0 / steps;
   double *out = points.Extend(static_cast<size_t>(steps) * 2);
-  for (int i = 1; i < steps; ++i) {
-    const Weights w = steps == kFewestSteps ? kShortCurve[static_cast<size_t>(i - 1)] : WeightsAt(i * step);
-    *out++ = w.b0 * x0 + w.b1 * x1 + w.b2 * x2 + w.b3 * x3;
-    *out++ = w.b0 * y0 + w.b1 * y1 + w.b2 * y2 + w.b3 * y3;
+  const Cubic x(x0, x1, x2, x3), y(y0, y1, y2, y3);
+  const auto count = static_cast<size_t>(steps);
+  double counter = 1.0;
+  for (size_t i = 0; i + 1 < count; ++i, counter += 1.0) {
+    const double t = counter * step;
+    out[2 * i] = x.At(t);
+    out[2 * i + 1] = y.At(t);
   }
-  *out++ = x3;
-  *out = y3;
+  out[2 * count - 2] = x3;
+  out[2 * count - 1] = y3;
 }
 
 }  // namespace kapdf

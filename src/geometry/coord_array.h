@@ -1,12 +1,15 @@
 // A growing array of coordinates, x and y in turn.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <span>
-#include <vector>
+#include <utility>
 
 namespace kapdf {
 
+// Moves, and does not copy.
 class CoordArray {
  public:
   // `growBy`: values by which the storage grows at least; it grows by half of itself where that is more, so that a long path
@@ -14,46 +17,51 @@ class CoordArray {
   explicit CoordArray(size_t growBy = 32) : growBy_(growBy) {}
 
   // Values in use, twice the points.
-  size_t size() const { return values_.size(); }
-  bool empty() const { return values_.empty(); }
-  double *data() { return values_.data(); }
-  const double *data() const { return values_.data(); }
-  std::span<const double> values() const { return values_; }
+  size_t size() const { return size_; }
+  bool empty() const { return size_ == 0; }
+  size_t capacity() const { return capacity_; }
+  double *data() { return values_.get(); }
+  const double *data() const { return values_.get(); }
+  std::span<const double> values() const { return {values_.get(), size_}; }
 
   // The slot, made together with every one before it when it is not there yet; new slots are zero.
   double &At(size_t index) {
-    if (index >= values_.size()) {
-      Reserve(index + 1);
-      values_.resize(index + 1);
+    if (index >= size_) {
+      const size_t old = size_;
+      Extend(index + 1 - old);
+      std::fill(values_.get() + old, values_.get() + size_, 0.0);
     }
     return values_[index];
   }
   CoordArray &Push(double value) {
-    if (values_.size() == values_.capacity()) Reserve(values_.size() + 1);
-    values_.push_back(value);
+    if (size_ == capacity_) Reserve(size_ + 1);
+    values_[size_++] = value;
     return *this;
   }
   CoordArray &PushPoint(double x, double y) { return Push(x).Push(y); }
-  // Makes room for that many values behind the last one and gives their place; they count as in use and are zero.
+  // Takes that many slots behind the last one into use, with no value yet, and gives their place.
   double *Extend(size_t count) {
-    const size_t size = values_.size();
-    Reserve(size + count);
-    values_.resize(size + count);
-    return values_.data() + size;
+    Reserve(size_ + count);
+    size_ += count;
+    return values_.get() + size_ - count;
   }
   // Forgets the values and keeps the storage.
-  void Clear() { values_.clear(); }
+  void Clear() { size_ = 0; }
 
  private:
   void Reserve(size_t wanted) {
-    const size_t capacity = values_.capacity();
-    if (wanted <= capacity) return;
+    if (wanted <= capacity_) return;
     const size_t step = (wanted + growBy_ - 1) / growBy_ * growBy_;
-    const size_t next = capacity + (capacity / 2 > growBy_ ? capacity / 2 : growBy_);
-    values_.reserve(step > next ? step : next);
+    const size_t grown = std::max(step, capacity_ + std::max(capacity_ / 2, growBy_));
+    std::unique_ptr<double[]> values(new double[grown]);
+    std::copy_n(values_.get(), size_, values.get());
+    values_ = std::move(values);
+    capacity_ = grown;
   }
 
-  std::vector<double> values_;
+  std::unique_ptr<double[]> values_;
+  size_t size_ = 0;
+  size_t capacity_ = 0;
   size_t growBy_;
 };
 
