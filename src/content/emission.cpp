@@ -8,17 +8,20 @@ namespace {
 
 constexpr double kMillimetresPerPoint = 25.4 / 72.0;
 
-void CopyPoints(uint8_t *to, const CoordArray &points) {
-  std::memcpy(to, points.data(), points.size() * sizeof(double));
+// Copies a path's points and, when asked to, its first one behind them; gives how many values that makes.
+size_t CopyPoints(uint8_t *to, std::span<const double> path, bool close) {
+  std::memcpy(to, path.data(), path.size_bytes());
+  if (!close || IsClosed(path)) return path.size();
+  std::memcpy(to + path.size_bytes(), path.data(), 2 * sizeof(double));
+  return path.size() + 2;
 }
 
 }  // namespace
 
-double SignedArea(const Path &path) {
-  const double *p = path.points.data();
+double SignedArea(std::span<const double> path) {
   double area = 0, beforeX = 0, beforeY = 0;
-  for (size_t i = 2; i + 1 < path.count(); i += 2) {
-    const double dx = p[i] - p[0], dy = p[i + 1] - p[1];
+  for (size_t i = 2; i + 1 < path.size(); i += 2) {
+    const double dx = path[i] - path[0], dy = path[i + 1] - path[1];
     area += dx * beforeY - beforeX * dy;
     beforeX = dx;
     beforeY = dy;
@@ -34,7 +37,7 @@ double Interpreter::RecordWidth() const {
 // True with the record filled. Without paths to hand out, or with none left of those that were, the loop may go on.
 bool Interpreter::EmitPending() {
   if (pendingPaths_ == 0) {
-    ReleasePaths(0);
+    ReleasePaths();
     pendingPaths_ = kIdle;
   }
   if (pendingPaths_ < 0) return false;
@@ -53,32 +56,30 @@ bool Interpreter::EmitPending() {
 
 // Paths leave last first and stay in the list.
 void Interpreter::EmitStroke() {
-  const Path &path = pathList_[static_cast<size_t>(--pendingPaths_)];
-  const double *p = path.points.data();
+  const std::span<const double> path = paths_.path(static_cast<size_t>(--pendingPaths_));
   const double width = RecordWidth();
-  if (path.count() == 4) {
-    blocks_.line = {width, p[0], p[1], p[2], p[3]};
+  if (path.size() == 4 && !closeContours_) {
+    blocks_.line = {width, path[0], path[1], path[2], path[3]};
     StartRecord(ElemLine, state_.strokeColor, &blocks_.line, sizeof blocks_.line);
     return;
   }
-  const size_t bytes = sizeof(PolylinePayload) + path.count() * sizeof(double);
-  uint8_t *block = blocks_.polyline.Prepare(bytes);
+  uint8_t *block = blocks_.polyline.Prepare(sizeof(PolylinePayload) + path.size_bytes() + 2 * sizeof(double));
   uint8_t *points = block + sizeof(PolylinePayload);
-  CopyPoints(points, path.points);
+  const size_t values = CopyPoints(points, path, closeContours_);
   PolylinePayload polyline = {};
   polyline.width = width;
-  polyline.vertexCount = static_cast<int32_t>(path.count() / 2);
+  polyline.vertexCount = static_cast<int32_t>(values / 2);
   polyline.vertices = reinterpret_cast<double *>(points);
   StoreAs(block, polyline);
-  StartRecord(ElemPolyline, state_.strokeColor, block, bytes);
+  StartRecord(ElemPolyline, state_.strokeColor, block, sizeof(PolylinePayload) + values * sizeof(double));
 }
 
 // True when two contours that follow each other go round in opposite directions. The area that is remembered is cut to a whole
 // number of square millimetres, so a contour below one turns the test off for the next.
 bool Interpreter::ContoursTurnBothWays() const {
   double before = 0;
-  for (size_t i = 0; pathCount_ > 1 && i < pathCount_; ++i) {
-    const double area = SignedArea(pathList_[i]);
+  for (size_t i = 0; paths_.count() > 1 && i < paths_.count(); ++i) {
+    const double area = SignedArea(paths_.path(i));
     if (before != 0 && area * before < 0) return true;
     before = std::trunc(area);
   }
@@ -88,7 +89,9 @@ bool Interpreter::ContoursTurnBothWays() const {
 // Contours from `first` to `end`, each with its points, as one polygon.
 void Interpreter::FillPolygonRecord(size_t first, size_t end) {
   size_t values = 0;
-  for (size_t i = first; i < end; ++i) values += pathList_[i].count();
+  for (size_t i = first; i < end; ++i) {
+    values += paths_.path(i).size() + (closeContours_ && !IsClosed(paths_.path(i)) ? 2 : 0);
+  }
   const size_t contours = end - first;
   const size_t bytes = sizeof(FilledPolygonPayload) + values * sizeof(double) + (contours + 1) * sizeof(uint32_t);
   uint8_t *block = blocks_.polygon.Prepare(bytes);
@@ -102,23 +105,20 @@ void Interpreter::FillPolygonRecord(size_t first, size_t end) {
   polygon.vertices = reinterpret_cast<double *>(points);
   const double opacity = state_.alpha * context_->opacity * 100.0;
   polygon.opacity = std::isfinite(opacity) ? opacity : 0.0;
-  uint32_t vertex = 0;
+  size_t value = 0;
   for (size_t i = first; i < end; ++i) {
-    StoreAs(starts, vertex);
-    starts += sizeof vertex;
-    CopyPoints(points + vertex * 2 * sizeof(double), pathList_[i].points);
-    vertex += static_cast<uint32_t>(pathList_[i].count() / 2);
+    StoreAs(starts, static_cast<uint32_t>(value / 2));
+    starts += sizeof(uint32_t);
+    value += CopyPoints(points + value * sizeof(double), paths_.path(i), closeContours_);
   }
-  StoreAs(starts, vertex);
+  StoreAs(starts, static_cast<uint32_t>(value / 2));
   StoreAs(block, polygon);
   StartRecord(ElemFilledPolygon, state_.fillColor, block, bytes);
 }
 
 void Interpreter::EmitCompoundPolygon() {
-  for (size_t i = 0; i < pathCount_; ++i) {
-    if (!pathList_[i].closed()) pathList_[i].AppendFirst();
-  }
-  FillPolygonRecord(0, pathCount_);
+  closeContours_ = true;
+  FillPolygonRecord(0, paths_.count());
   if (state_.fillColor == state_.strokeColor || !alsoStroke_) {
     pendingPaths_ = 0;
   } else {
@@ -131,13 +131,13 @@ void Interpreter::EmitCompoundPolygon() {
 // contour was left.
 bool Interpreter::EmitPolygon() {
   while (pendingPaths_ > 0) {
-    const size_t index = pathHead_++;
+    const size_t index = nextPolygon_++;
     --pendingPaths_;
-    if (pathList_[index].count() < 6) continue;
+    if (paths_.path(index).size() < 6) continue;
     FillPolygonRecord(index, index + 1);
     return true;
   }
-  ReleasePaths(0);
+  ReleasePaths();
   pendingPaths_ = kIdle;
   return false;
 }

@@ -107,11 +107,10 @@ class Interpreter {
   bool TransformPoint(double &x, double &y) const;
   void AppendPoint(double x, double y);
   void StartSubpath();
-  void PushPath();
   void AppendRectangle(const double (&v)[4]);
   bool RebuildRectangle(const Statement &statement);
   void AppendCurve(double (&v)[6]);
-  void ReleasePaths(size_t keep);
+  void ReleasePaths();
   bool ContoursTurnBothWays() const;
   Flow StartPainting(Pass pass);
   Flow PaintFill(const Statement &statement, bool compound, bool stroke);
@@ -143,16 +142,14 @@ class Interpreter {
   std::u16string currentLayer_ = u"PDF";
   std::u16string currentLineStyle_ = u"Continuous";  // not part of the saved state
 
-  Path path_;
-  std::vector<Path> pathList_;   // finished paths up to pathCount_, behind them storage to use again
-  size_t pathCount_ = 0;
-  size_t pathHead_ = 0;          // first path that was not handed out as a polygon of its own
+  PathList paths_;
+  size_t nextPolygon_ = 0;       // the first path that was not handed out as a polygon of its own
   int64_t pendingPaths_ = kIdle;
   Pass pass_ = Pass::kStroke;
   bool compound_ = false;        // contours form one polygon
   bool alsoStroke_ = false;
   bool contoursChecked_ = false;
-  size_t pathPoints_ = 0;        // of all paths of the list
+  bool closeContours_ = false;   // paths go out closed: they were the contours of one polygon before
 
   ElementRecord *record_ = nullptr;  // of the call under way
   RecordBlocks blocks_;

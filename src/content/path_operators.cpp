@@ -28,20 +28,12 @@ bool Interpreter::TransformPoint(double &x, double &y) const {
 }
 
 void Interpreter::AppendPoint(double x, double y) {
-  if (!TransformPoint(x, y)) return;
-  if (pathPoints_ + path_.count() / 2 < limits::kPathPoints) path_.points.PushPoint(x, y);
-}
-
-void Interpreter::PushPath() {
-  if (pathCount_ == pathList_.size()) pathList_.emplace_back();
-  pathPoints_ += path_.count() / 2;
-  std::swap(pathList_[pathCount_++], path_);
-  path_.points.Clear();
+  if (TransformPoint(x, y) && paths_.points() < limits::kPathPoints) paths_.Append(x, y);
 }
 
 void Interpreter::StartSubpath() {
-  if (path_.count() > 2) PushPath();
-  else path_.points.Clear();
+  if (paths_.currentSize() > 2) paths_.Finish();
+  else paths_.EmptyCurrent();
 }
 
 Flow Interpreter::MoveTo(const Statement &statement) {
@@ -59,7 +51,7 @@ Flow Interpreter::LineTo(const Statement &statement) {
 }
 
 Flow Interpreter::ClosePath(const Statement &) {
-  if (path_.count() >= 4) path_.AppendFirst();
+  if (paths_.currentSize() >= 4) paths_.AppendFirst();
   return Flow::kNext;
 }
 
@@ -78,10 +70,10 @@ Flow Interpreter::Rectangle(const Statement &statement) {
   return Flow::kNext;
 }
 
-// `v` holds both control points and the end in millimetres.
+// `v` holds both control points and the end in millimetres. Without a point to start from nothing happens.
 void Interpreter::AppendCurve(double (&v)[6]) {
-  const size_t others = std::min(pathPoints_, limits::kPathPoints);
-  FlattenCubic(path_.points, v[0], v[1], v[2], v[3], v[4], v[5], limits::kPathPoints - others);
+  if (paths_.currentSize() == 0) return;
+  FlattenCubic(paths_.Tail(), v[0], v[1], v[2], v[3], v[4], v[5], limits::kPathPoints);
 }
 
 // A curve with any point outside the clip box is dropped whole.
@@ -94,10 +86,11 @@ Flow Interpreter::CurveTo(const Statement &statement) {
 
 Flow Interpreter::CurveFromCurrent(const Statement &statement) {
   double v[6];
-  if (path_.count() < 2 || statement.Reals(v + 2, 4) != 4) return Flow::kNext;
+  if (paths_.currentSize() < 2 || statement.Reals(v + 2, 4) != 4) return Flow::kNext;
   if (!TransformPoint(v[2], v[3]) || !TransformPoint(v[4], v[5])) return Flow::kNext;
-  v[0] = path_.points.data()[path_.count() - 2];
-  v[1] = path_.points.data()[path_.count() - 1];
+  const std::span<const double> path = paths_.current();
+  v[0] = path[path.size() - 2];
+  v[1] = path[path.size() - 1];
   AppendCurve(v);
   return Flow::kNext;
 }
@@ -112,22 +105,15 @@ Flow Interpreter::CurveToEnd(const Statement &statement) {
   return Flow::kNext;
 }
 
-void Interpreter::ReleasePaths(size_t keep) {
-  for (size_t i = keep; i < pathCount_; ++i) {
-    pathPoints_ -= pathList_[i].count() / 2;
-    pathList_[i].points.Clear();
-  }
-  pathCount_ = keep;
-  if (keep == 0) {
-    pathHead_ = 0;
-    // A page that once had very many subpaths does not keep their storage for good.
-    if (pathList_.size() > 4096) pathList_.resize(64);
-  }
+void Interpreter::ReleasePaths() {
+  paths_.Clear();
+  nextPolygon_ = 0;
+  closeContours_ = false;
 }
 
 Flow Interpreter::StartPainting(Pass pass) {
-  path_.points.Clear();
-  pendingPaths_ = pathCount_ > 0 ? static_cast<int64_t>(pathCount_) : kIdle;
+  paths_.EmptyCurrent();
+  pendingPaths_ = paths_.count() > 0 ? static_cast<int64_t>(paths_.count()) : kIdle;
   if (pendingPaths_ == kIdle) return Flow::kNext;
   pass_ = pass;
   contoursChecked_ = false;
@@ -135,7 +121,7 @@ Flow Interpreter::StartPainting(Pass pass) {
 }
 
 Flow Interpreter::Stroke(const Statement &) {
-  if (path_.count() > 2) PushPath();
+  if (paths_.currentSize() > 2) paths_.Finish();
   return StartPainting(Pass::kStroke);
 }
 
@@ -164,10 +150,10 @@ bool Interpreter::RebuildRectangle(const Statement &statement) {
 Flow Interpreter::PaintFill(const Statement &statement, bool compound, bool stroke) {
   compound_ = compound;
   alsoStroke_ = stroke;
-  if (path_.count() == 0) RebuildRectangle(statement);
-  if (path_.count() >= 6) {
-    if (!path_.closed()) path_.AppendFirst();
-    PushPath();
+  if (paths_.currentSize() == 0) RebuildRectangle(statement);
+  if (paths_.currentSize() >= 6) {
+    if (!IsClosed(paths_.current())) paths_.AppendFirst();
+    paths_.Finish();
   }
   return StartPainting(Pass::kFill);
 }
@@ -185,8 +171,7 @@ Flow Interpreter::CloseFillStroke(const Statement &statement) {
 Flow Interpreter::CloseFillStrokeEvenOdd(const Statement &statement) { return CloseFillStroke(statement); }
 
 Flow Interpreter::DiscardPath(const Statement &) {
-  path_.points.Clear();
-  ReleasePaths(0);
+  ReleasePaths();
   return Flow::kNext;
 }
 

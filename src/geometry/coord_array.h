@@ -45,8 +45,15 @@ class CoordArray {
     size_ += count;
     return values_.get() + size_ - count;
   }
-  // Forgets the values and keeps the storage.
-  void Clear() { size_ = 0; }
+  // Keeps that many values of those in use.
+  void Truncate(size_t size) { size_ = size; }
+  // Forgets the values; storage beyond a megabyte is given back.
+  void Clear() {
+    size_ = 0;
+    if (capacity_ <= kKeptValues) return;
+    values_.reset();
+    capacity_ = 0;
+  }
 
  private:
   void Reserve(size_t wanted) {
@@ -59,6 +66,7 @@ class CoordArray {
     capacity_ = grown;
   }
 
+  static constexpr size_t kKeptValues = size_t{1} << 17;
   std::unique_ptr<double[]> values_;
   size_t size_ = 0;
   size_t capacity_ = 0;
