@@ -52,7 +52,8 @@ inline uint32_t ComponentByte(float value) {
   return scaled >= 255.0f ? 255u : static_cast<uint32_t>(scaled);
 }
 
-// CMYK of 0 to 255 each, in single precision: each channel 255 - ((c * (255 - k) + 127) / 255) - k, truncated and clamped.
+// CMYK of 0 to 255 each, in single precision: each channel 255 - ((c * (255 - k) + 127) / 255) - k, truncated and
+// clamped.
 inline uint32_t PackFromCmyk(float cyan, float magenta, float yellow, float black) {
   const auto channel = [black](float ink) {
     const float value = black == 0.0f ? 255.0f - ink : 255.0f - ((ink * (255.0f - black) + 127.0f) / 255.0f) - black;

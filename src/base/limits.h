@@ -7,21 +7,30 @@
 namespace kapdf::limits {
 
 inline constexpr int kObjectNesting = 256;                       // arrays and dictionaries; deeper does not parse
-inline constexpr int kPageTreeDepth = 256;                       // the walk ends as for a damaged node
-inline constexpr size_t kPages = 1'000'000;                      // leaves of the page tree
-inline constexpr int kFormDepth = 500;                           // forms inside forms
-inline constexpr uint32_t kFormsPerPage = 1'000'000;             // forms entered on one page
-inline constexpr int kStripeDepth = 8;                           // containers of stripes
-inline constexpr size_t kDecodedStream = size_t{512} << 20;      // bytes of one decoded stream
-inline constexpr uint32_t kImageSide = 1'000'000;                // pixels
-inline constexpr int kCurvePoints = 1'000'000;                   // a longer curve gives its end point only
-inline constexpr size_t kPathPoints = 16'000'000;                // further points are dropped
-inline constexpr size_t kSavedStates = 65'536;                   // copies kept by q; deeper ones are only counted
-inline constexpr size_t kTokenText = 127;                        // characters of a number or a name
-inline constexpr int64_t kDictionarySearch = int64_t{1} << 20;   // bytes passed over in search of "<<"
-inline constexpr int64_t kRubbish = int64_t{64} << 20;           // bytes that the search for brackets passes over in one document
-inline constexpr int kJoinedStreams = 64;                        // streams that one statement may span
-inline constexpr size_t kObjectStreamCache = size_t{64} << 20;   // bytes of decoded object streams kept
+inline constexpr int64_t kObjectItems = 2'000'000;               // in one object; a further one does not parse
+inline constexpr size_t kXRefEntries = size_t{1} << 23;          // of all sections together; further ones are dropped
+inline constexpr size_t kObjectStreamMembers = size_t{1} << 20;  // of one object stream; further ones are not found
+// Bytes that are parsed, decoded as object streams or copied out of them, in one document: so many, and so many more
+// for each byte of the file. Beyond them no object is found. Objects may overlap, so that the size of a file alone does
+// not bound the work that it asks for.
+inline constexpr int64_t kObjectWork = int64_t{128} << 20;
+inline constexpr int64_t kObjectWorkPerByte = 256;
+inline constexpr int kPageTreeDepth = 256;                      // the walk ends as for a damaged node
+inline constexpr size_t kPages = 1'000'000;                     // leaves of the page tree
+inline constexpr int kFormDepth = 500;                          // forms inside forms
+inline constexpr uint32_t kFormsPerPage = 1'000'000;            // forms entered on one page
+inline constexpr int kStripeDepth = 8;                          // containers of stripes
+inline constexpr size_t kDecodedStream = size_t{512} << 20;     // bytes of one decoded stream
+inline constexpr uint32_t kImageSide = 1'000'000;               // pixels
+inline constexpr int kCurvePoints = 1'000'000;                  // a longer curve gives its end point only
+inline constexpr size_t kPathPoints = 16'000'000;               // further points are dropped
+inline constexpr size_t kSavedStates = 65'536;                  // copies kept by q; deeper ones are only counted
+inline constexpr size_t kTokenText = 127;                       // characters of a number or a name
+inline constexpr int64_t kDictionarySearch = int64_t{1} << 20;  // bytes passed over in search of "<<"
+inline constexpr int64_t kRubbish = int64_t{64}
+                                    << 20;  // bytes that the search for brackets passes over in one document
+inline constexpr int kJoinedStreams = 64;   // streams that one statement may span
+inline constexpr size_t kObjectStreamCache = size_t{64} << 20;  // bytes of decoded object streams kept
 inline constexpr size_t kPaletteEntries = 256;
 
 }  // namespace kapdf::limits

@@ -3,8 +3,39 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <string>
 
 namespace kapdf {
+namespace {
+
+const char *SkipDigits(const char *at) {
+  while (IsDigit(static_cast<unsigned char>(*at))) ++at;
+  return at;
+}
+
+// Where an unsigned number ends at the latest, so that a run of numbers without white space is not searched for each of
+// them.
+const char *NumberEnd(const char *at) {
+  at = SkipDigits(at);
+  if (*at == '.') at = SkipDigits(at + 1);
+  if ((*at | 0x20) != 'e') return at;
+  return SkipDigits(at[1] == '+' || at[1] == '-' ? at + 2 : at + 1);
+}
+
+// For an unsigned number far from 1 whose digits are not all zero: by the place of its first digit and the exponent.
+bool IsAboveOne(std::string_view text) {
+  const size_t mantissa = std::min(text.find_first_of("eE"), text.size());
+  const size_t point = std::min(text.find('.'), mantissa);
+  const auto first = static_cast<int64_t>(text.find_first_of("123456789"));
+  int32_t exponent = 0;
+  const std::string tail(text.substr(std::min(mantissa + 1, text.size())));
+  const char *at = tail.c_str();
+  ScanInteger(at, exponent);
+  return static_cast<int64_t>(point) - first + exponent > 0;
+}
+
+}  // namespace
+
 namespace detail {
 
 const double kPowersOfTen[23] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
@@ -14,16 +45,12 @@ bool ScanRealSlowly(const char *&at, double &value) {
   const char *p = at;
   const bool negative = *p == '-';
   if (negative || *p == '+') ++p;
-  const char *end = p;
-  while (IsDigit(static_cast<unsigned char>(*end)) || *end == '.' || *end == '+' || *end == '-' || (*end | 0x20) == 'e') ++end;
   double magnitude = 0;
-  const auto result = std::from_chars(p, end, magnitude);
+  const auto result = std::from_chars(p, NumberEnd(p), magnitude);
   if (result.ec == std::errc::invalid_argument) return false;
   if (result.ec == std::errc::result_out_of_range) {
     // Beyond the largest number the value is refused; below the smallest it is 0.
-    const std::string_view text(p, static_cast<size_t>(result.ptr - p));
-    const size_t exponent = text.find_first_of("eE");
-    if (exponent == std::string_view::npos || text.substr(exponent + 1, 1) != "-") return false;
+    if (IsAboveOne({p, static_cast<size_t>(result.ptr - p)})) return false;
     magnitude = 0;
   }
   value = negative ? -magnitude : magnitude;

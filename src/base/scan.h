@@ -1,5 +1,5 @@
-// Numbers from text, without the locale: what the C library's scanning accepts in the C locale, less infinities, NaN and
-// hexadecimal floats.
+// Numbers from text, without the locale: what the C library's scanning accepts in the C locale, less infinities, NaN
+// and hexadecimal floats.
 #pragma once
 
 #include <cstdint>

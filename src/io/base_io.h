@@ -12,8 +12,8 @@ namespace kapdf {
 
 enum class SeekOrigin { kStart = 0, kCurrent = 1, kEnd = 2 };
 
-// Byte source or sink. A source exposes a window of bytes that are in memory; `GetByte` takes from it inline and calls the
-// virtual refill only at its end. A short read is how the end shows; nothing is raised.
+// Byte source or sink. A source exposes a window of bytes that are in memory; `GetByte` takes from it inline and calls
+// the virtual refill only at its end. A short read is how the end shows; nothing is raised.
 class CZVBaseIO {
  public:
   explicit CZVBaseIO(std::u16string_view registryPath = {}) : registryPath_(registryPath) {}
@@ -37,9 +37,12 @@ class CZVBaseIO {
   uint8_t GetByte() { return cursor_ != windowEnd_ ? *cursor_++ : Refill(); }
   bool AtEnd() const { return atEnd_; }
 
-  // For searches through damaged data: counts one byte that was passed over, false once there were too many of them, so that
-  // many broken objects cannot make one file be searched again and again.
+  // For searches through damaged data: counts one byte that was passed over, false once there were too many of them, so
+  // that many broken objects cannot make one file be searched again and again.
   bool PassOver() { return rubbishLeft_-- > 0; }
+  // Counts the items of one object, those of its inner ones included; false once there were too many of them.
+  void StartItems() { itemsLeft_ = limits::kObjectItems; }
+  bool TakeItem() { return itemsLeft_-- > 0; }
 
   const std::u16string &registryPath() const { return registryPath_; }
 
@@ -54,6 +57,7 @@ class CZVBaseIO {
  private:
   std::u16string registryPath_;
   int64_t rubbishLeft_ = limits::kRubbish;
+  int64_t itemsLeft_ = limits::kObjectItems;
 };
 
 }  // namespace kapdf

@@ -16,11 +16,12 @@ enum CodecState : unsigned {
   kCodecDamaged = 2    // what was delivered so far is all that there is
 };
 
-// Sits on a byte source or sink that somebody else owns. Decoding starts at the source's position. A short read is how the
-// end shows.
+// Sits on a byte source or sink that somebody else owns. Decoding starts at the source's position. A short read is how
+// the end shows.
 class CCompressionClass {
  public:
-  // `length`: coded bytes that belong to the stream, 0 when unknown. Codecs whose data mark their own end take it as a hint.
+  // `length`: coded bytes that belong to the stream, 0 when unknown. Codecs whose data mark their own end take it as a
+  // hint.
   CCompressionClass(CZVBaseIO &io, uint32_t length) : io_(io), length_(length) {}
   CCompressionClass(const CCompressionClass &) = delete;
   CCompressionClass &operator=(const CCompressionClass &) = delete;

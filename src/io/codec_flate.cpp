@@ -11,9 +11,7 @@ namespace {
 constexpr size_t kPieceBytes = 65536;
 constexpr size_t kPieceBeyondLength = 4096;  // a length that is too small must not stop a stream that goes on
 
-uInt Clip(size_t count) {
-  return static_cast<uInt>(std::min<size_t>(count, std::numeric_limits<uInt>::max()));
-}
+uInt Clip(size_t count) { return static_cast<uInt>(std::min<size_t>(count, std::numeric_limits<uInt>::max())); }
 
 }  // namespace
 

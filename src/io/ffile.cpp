@@ -9,7 +9,10 @@
 namespace kapdf {
 
 CZVFFile::CZVFFile(std::FILE *stream, bool readBuffer, std::u16string_view registryPath)
-    : CZVBaseIO(registryPath), stream_(stream), readBuffer_(readBuffer), buffer_(new uint8_t[kBufferBytes]) {
+    : CZVBaseIO(registryPath),
+      stream_(stream),
+      readBuffer_(readBuffer),
+      buffer_(std::make_unique_for_overwrite<uint8_t[]>(kBufferBytes)) {
   const platform::Settings settings(registryPath, u"");
   settings.CreateKey();
   if (settings.ReadInteger(u"DisableReadBuffer", 0) != 0) readBuffer_ = false;
@@ -68,10 +71,25 @@ bool CZVFFile::Seek(int64_t offset, SeekOrigin origin) {
   DropReadBuffer();
   atEnd_ = false;
   lastWasWrite_ = false;
-  const int whence = origin == SeekOrigin::kStart ? SEEK_SET : origin == SeekOrigin::kCurrent ? SEEK_CUR : SEEK_END;
-  if (!platform::SeekFile(stream_, offset, whence)) return false;
-  position_ = platform::TellFile(stream_);
-  return position_ >= 0;
+  if (origin == SeekOrigin::kEnd || (origin == SeekOrigin::kStart ? offset > position_ : offset > 0))
+    return SeekFromEnd(offset, origin);
+  if (!platform::SeekFile(stream_, offset, origin == SeekOrigin::kStart ? SEEK_SET : SEEK_CUR)) return false;
+  position_ = origin == SeekOrigin::kStart ? offset : position_ + offset;
+  return true;
+}
+
+// A C stream would go beyond its end, and leave a gap there with the next byte written.
+bool CZVFFile::SeekFromEnd(int64_t offset, SeekOrigin origin) {
+  const int64_t here = position_;
+  if (!platform::SeekFile(stream_, 0, SEEK_END)) return false;
+  const int64_t end = position_ = std::max<int64_t>(platform::TellFile(stream_), 0);
+  const int64_t base = origin == SeekOrigin::kStart ? 0 : origin == SeekOrigin::kCurrent ? here : end;
+  if (offset >= end - base) return true;
+  const bool exists = offset >= -base;
+  const int64_t target = exists ? base + offset : here;
+  if (!platform::SeekFile(stream_, target, SEEK_SET)) return false;
+  position_ = target;
+  return exists;
 }
 
 int64_t CZVFFile::Tell() const { return position_ - (windowEnd_ - cursor_); }

@@ -40,7 +40,7 @@ bool CZVMemoryFileRead::LoadWindow(int64_t position) {
   const auto start = static_cast<int64_t>(index * blockBytes_);
   Block &block = blocks_[index];
   if (!block.bytes) {
-    block.bytes.reset(new uint8_t[blockBytes_]);
+    block.bytes = std::make_unique_for_overwrite<uint8_t[]>(blockBytes_);
     const auto wanted = std::min<size_t>(blockBytes_, static_cast<size_t>(length_ - start));
     if (platform::SeekFile(stream_, start, SEEK_SET)) block.size = std::fread(block.bytes.get(), 1, wanted, stream_);
   }

@@ -29,7 +29,8 @@ class CZVMemoryFileRead : public CZVBaseIO {
 
  protected:
   uint8_t Refill() override;
-  // Forgets the window, for a class that had put another one in its place; the position is then that of the window's end.
+  // Forgets the window, for a class that had put another one in its place; the position is then that of the window's
+  // end.
   void DropWindow() { cursor_ = windowEnd_ = nullptr; }
 
  private:
@@ -44,7 +45,7 @@ class CZVMemoryFileRead : public CZVBaseIO {
   platform::FileHandle owned_;
   std::FILE *stream_ = nullptr;
   int64_t length_ = 0;
-  int64_t position_ = 0;        // of the window's end when there is a window, else the position itself
+  int64_t position_ = 0;  // of the window's end when there is a window, else the position itself
   std::vector<Block> blocks_;
 };
 

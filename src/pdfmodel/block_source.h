@@ -7,14 +7,14 @@
 
 namespace kapdf {
 
-// While the memory block is active, `Read`, `GetByte`, `Seek` and `Tell` work on it, so that whoever looks up an object goes
-// on as if it had sought to a plain position.
+// While the memory block is active, `Read`, `GetByte`, `Seek` and `Tell` work on it, so that whoever looks up an object
+// goes on as if it had sought to a plain position.
 class CPDFBlockSource : public CZVMemoryFileRead {
  public:
   explicit CPDFBlockSource(std::u16string_view registryPath);
 
   size_t Read(void *buffer, size_t count) override;
-  // On the block: from the start or the current place, and only below the block's end.
+  // On the block: from the start or the current place, and up to the block's end.
   bool Seek(int64_t offset, SeekOrigin origin) override;
   int64_t Tell() const override;
 
@@ -36,15 +36,25 @@ class CPDFBlockSource : public CZVMemoryFileRead {
   void LeaveBlock();
   bool blockActive() const { return blockActive_; }
 
+  // Counts work besides the bytes that `GetByte` gives, which are counted anyway. False once the document has asked for
+  // too much of it; from then on no position can be sought.
+  bool Charge(int64_t bytes);
+
  protected:
   uint8_t Refill() override;
 
  private:
+  bool SeekInBlock(int64_t offset, SeekOrigin origin);
+  // Charges what GetByte took since the last time. Stands before, and `Recount` behind, all that moves the window.
+  bool ChargeTaken() { return Charge(cursor_ - counted_); }
+  void Recount() { counted_ = cursor_; }
   const uint8_t *BlockStart() const { return reinterpret_cast<const uint8_t *>(block_.data()); }
 
   std::string block_;
   bool blockActive_ = false;
   uint32_t blockSerial_ = 0;
+  const uint8_t *counted_ = nullptr;
+  int64_t work_ = 0;
 };
 
 }  // namespace kapdf

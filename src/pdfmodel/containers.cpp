@@ -21,16 +21,24 @@ uint8_t SkipComment(CZVBaseIO &source) {
 
 std::unique_ptr<CPDFObject> MakeObject(CZVBaseIO &source, uint8_t first, int depth) {
   switch (first) {
-    case '[': return std::make_unique<CPDFArray>(source, depth);
-    case '<': return std::make_unique<CPDFDictionary>(source, depth);
-    case '/': return std::make_unique<CPDFNameObject>(source);
-    case '(': return std::make_unique<CPDFString>(source);
-    case 'n': return std::make_unique<CPDFNull>(source);
+    case '[':
+      return std::make_unique<CPDFArray>(source, depth);
+    case '<':
+      return std::make_unique<CPDFDictionary>(source, depth);
+    case '/':
+      return std::make_unique<CPDFNameObject>(source);
+    case '(':
+      return std::make_unique<CPDFString>(source);
+    case 'n':
+      return std::make_unique<CPDFNull>(source);
     case 't':
-    case 'f': return std::make_unique<CPDFBool>(source);
-    default: break;
+    case 'f':
+      return std::make_unique<CPDFBool>(source);
+    default:
+      break;
   }
-  if (IsDigit(first) || first == '-' || first == '+' || first == '.') return std::make_unique<CPDFIndirectObject>(source);
+  if (IsDigit(first) || first == '-' || first == '+' || first == '.')
+    return std::make_unique<CPDFIndirectObject>(source);
   return nullptr;
 }
 
@@ -44,7 +52,7 @@ std::unique_ptr<CPDFObject> MakeSecondTry(CZVBaseIO &source, const CPDFObject &f
 }  // namespace
 
 std::unique_ptr<CPDFObject> ParseAny(CZVBaseIO &source, uint8_t &byte, int depth) {
-  if (depth >= limits::kObjectNesting) return nullptr;
+  if (depth >= limits::kObjectNesting || !source.TakeItem()) return nullptr;
   if (byte == 255 || IsSpace(byte)) {
     do byte = source.GetByte();
     while (IsSpace(byte));
@@ -65,6 +73,7 @@ std::unique_ptr<CPDFObject> ParseAny(CZVBaseIO &source, uint8_t &byte, int depth
 
 int CPDFArray::Parse(uint8_t firstChar) {
   items_.clear();
+  if (depth_ == 0) source_->StartItems();
   uint8_t c = FirstByte(firstChar);
   if (IsDigit(c)) {
     if (auto item = ParseAny(*source_, c, depth_)) items_.push_back(std::move(item));
@@ -90,9 +99,11 @@ int CPDFArray::SkipRest() {
 int CPDFDictionary::Parse(uint8_t firstChar) {
   entries_.clear();
   byName_.clear();
+  if (depth_ == 0) source_->StartItems();
   uint8_t c = FirstByte(firstChar);
   if (c == '[') return 1;
-  for (int64_t passed = 0; c != '<' && c != 255 && passed < limits::kDictionarySearch && source_->PassOver(); ++passed) {
+  for (int64_t passed = 0; c != '<' && c != 255 && passed < limits::kDictionarySearch && source_->PassOver();
+       ++passed) {
     c = source_->GetByte();
   }
   lastChar = c;

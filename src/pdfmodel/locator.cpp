@@ -2,12 +2,13 @@
 
 namespace kapdf {
 
-bool OpenObject(ObjectLocator &objects, int32_t objectNumber, uint8_t &firstChar) {
+bool OpenObject(ObjectLocator &objects, int32_t objectNumber, uint8_t &firstChar, int32_t *foundNumber) {
   const uint32_t position = objects.Resolve(objectNumber);
   if (position == 0 || !objects.source().Seek(position, SeekOrigin::kStart)) return false;
   CPDFObjectIntro intro(objects.source());
   if (intro.Parse(255) != 0) return false;
   firstChar = intro.lastChar;
+  if (foundNumber) *foundNumber = intro.objectNumber;
   return true;
 }
 

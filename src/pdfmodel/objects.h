@@ -1,5 +1,5 @@
-// PDF objects. Every class parses itself from a byte source, one byte at a time. There is no object cache: a reader that wants
-// an object seeks to its position and parses a fresh one, which it then owns.
+// PDF objects. Every class parses itself from a byte source, one byte at a time. There is no object cache: a reader
+// that wants an object seeks to its position and parses a fresh one, which it then owns.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@
 
 namespace kapdf {
 
-// Base of all objects. `Parse` takes a byte that was already read, or 255 when one is to be read first, and answers 0 on
-// success; afterwards `lastChar` is the first byte that was not consumed (255 at the end of the source).
+// Base of all objects. `Parse` takes a byte that was already read, or 255 when one is to be read first, and answers 0
+// on success; afterwards `lastChar` is the first byte that was not consumed (255 at the end of the source).
 class CPDFObject {
  public:
   explicit CPDFObject(CZVBaseIO &source) : source_(&source) {}
@@ -147,7 +147,7 @@ class CPDFDictionary final : public CPDFObject {
   size_t Index(std::string_view name) const;
 
   int depth_;
-  std::vector<Entry> entries_;  // in file order, repeated names included
+  std::vector<Entry> entries_;                                   // in file order, repeated names included
   mutable std::unordered_map<std::string_view, size_t> byName_;  // made once a dictionary is large
 };
 

@@ -19,41 +19,51 @@ void ReadBox(const CPDFObject *object, PageBox &box) {
 
 int PDFPageTree::Walk(int32_t objectNumber) { return WalkNode(objectNumber, 0); }
 
+// What a node holds is gone before its kids are walked: they may be many, and the way down is long.
 int PDFPageTree::WalkNode(int32_t objectNumber, int depth) {
-  uint8_t firstChar;
-  if (depth >= limits::kPageTreeDepth || !OpenObject(objects_, objectNumber, firstChar)) return -1;
-  CPDFDictionary node(objects_.source());
-  if (node.Parse(firstChar) != 0) return -1;
-  ReadBox(node.Get("MediaBox"), box_);
-  ReadBox(node.Get("CropBox"), box_);
-  const auto *type = node.GetAs<CPDFNameObject>("Type");
-  if (!type) return -1;
-  if (type->name == "Page") {
-    if (pageObjects_.size() >= limits::kPages) return -1;
-    pageObjects_.push_back(static_cast<uint32_t>(objectNumber));
-    return 0;
-  }
-  if (type->name != "Pages" || !walked_.insert(objectNumber).second) return -1;
-
-  int result = 0;
-  if (const auto *kids = node.GetAs<CPDFArray>("Kids")) {
-    result = WalkKids(*kids, depth);
-  } else if (const auto *reference = node.GetAs<CPDFIndirectObject>("Kids")) {
-    CPDFArray list(objects_.source());
-    result = -1;
-    if (OpenObject(objects_, reference->objectNumber, firstChar) && list.Parse(firstChar) == 0) result = WalkKids(list, depth);
-  }
-  if (const auto *angle = node.GetAs<CPDFNumeric>("Rotate")) rotate_ = angle->realValue / 360.0 * 2.0 * std::numbers::pi;
+  std::vector<int32_t> kids;
+  std::optional<double> angle;
+  int result = depth < limits::kPageTreeDepth && ReadNode(objectNumber, kids, angle) ? 0 : -1;
+  // One kid that cannot be read ends the walk: later siblings are lost.
+  for (size_t i = 0; i < kids.size() && result == 0; ++i) result = WalkNode(kids[i], depth + 1);
+  if (angle) rotate_ = *angle;
   return result;
 }
 
-// One kid that cannot be read ends the walk: later siblings are lost.
-int PDFPageTree::WalkKids(const CPDFArray &kids, int depth) {
-  for (uint32_t i = 0; i < kids.Count(); ++i) {
-    const auto *kid = dynamic_cast<const CPDFIndirectObject *>(kids.GetAt(i));
-    if (kid && WalkNode(kid->objectNumber, depth + 1) != 0) return -1;
+bool PDFPageTree::ReadNode(int32_t objectNumber, std::vector<int32_t> &kids, std::optional<double> &angle) {
+  uint8_t firstChar;
+  int32_t foundNumber;
+  if (!OpenObject(objects_, objectNumber, firstChar, &foundNumber)) return false;
+  CPDFDictionary node(objects_.source());
+  if (node.Parse(firstChar) != 0) return false;
+  ReadBox(node.Get("MediaBox"), box_);
+  ReadBox(node.Get("CropBox"), box_);
+  const auto *type = node.GetAs<CPDFNameObject>("Type");
+  if (!type) return false;
+  if (type->name == "Page") {
+    if (pageObjects_.size() >= limits::kPages) return false;
+    pageObjects_.push_back(static_cast<uint32_t>(foundNumber));
+    return true;
   }
-  return 0;
+  if (type->name != "Pages" || !walked_.insert(objectNumber).second) return false;
+  if (const auto *number = node.GetAs<CPDFNumeric>("Rotate"))
+    angle = number->realValue / 360.0 * 2.0 * std::numbers::pi;
+  return ReadKids(node.Get("Kids"), kids);
+}
+
+// False when a list behind a reference cannot be read. Items that are no references are passed over.
+bool PDFPageTree::ReadKids(const CPDFObject *object, std::vector<int32_t> &kids) {
+  CPDFArray fetched(objects_.source());
+  const auto *list = dynamic_cast<const CPDFArray *>(object);
+  if (const auto *reference = dynamic_cast<const CPDFIndirectObject *>(object)) {
+    uint8_t firstChar;
+    if (!OpenObject(objects_, reference->objectNumber, firstChar) || fetched.Parse(firstChar) != 0) return false;
+    list = &fetched;
+  }
+  for (uint32_t i = 0; list && i < list->Count(); ++i) {
+    if (const auto *kid = dynamic_cast<const CPDFIndirectObject *>(list->GetAt(i))) kids.push_back(kid->objectNumber);
+  }
+  return true;
 }
 
 }  // namespace kapdf

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <unordered_set>
 #include <vector>
 
@@ -17,8 +18,8 @@ struct PageBox {
 // Reads a box array: left, bottom, right, top. Missing items are 0; an array of fewer than four changes nothing.
 void ReadBox(const CPDFObject *object, PageBox &box);
 
-// `rotate` and `box` are single values, overwritten as the walk goes on: the last node met decides what a page gets that says
-// nothing itself.
+// `rotate` and `box` are single values, overwritten as the walk goes on: the last node met decides what a page gets
+// that says nothing itself.
 class PDFPageTree {
  public:
   explicit PDFPageTree(ObjectLocator &objects) : objects_(objects) {}
@@ -32,7 +33,9 @@ class PDFPageTree {
 
  private:
   int WalkNode(int32_t objectNumber, int depth);
-  int WalkKids(const CPDFArray &kids, int depth);
+  // Takes a page into the table, or gives the kids of an inner node. False for a node that cannot be read.
+  bool ReadNode(int32_t objectNumber, std::vector<int32_t> &kids, std::optional<double> &angle);
+  bool ReadKids(const CPDFObject *object, std::vector<int32_t> &kids);
 
   ObjectLocator &objects_;
   std::vector<uint32_t> pageObjects_;

@@ -66,12 +66,15 @@ uint32_t CPDFFile::Open(FileInfo &info) {
 uint32_t CPDFFile::ReadSections() {
   for (;;) {
     switch (xref_->ReadSection()) {
-      case SectionEnd::kEncrypted: return FilterEncrypted;
-      case SectionEnd::kUnreadable: return FilterNotPdf;
+      case SectionEnd::kEncrypted:
+        return FilterEncrypted;
+      case SectionEnd::kUnreadable:
+        return FilterNotPdf;
       case SectionEnd::kChainEnded:
         if (const auto *root = xref_->streamRoot(); root && !root_) root_ = root->Copy();
         return 0;
-      case SectionEnd::kTrailer: break;
+      case SectionEnd::kTrailer:
+        break;
     }
     // The "t" is gone already; the first byte that is no letter is the dictionary's.
     std::string word;

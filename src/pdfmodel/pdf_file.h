@@ -23,8 +23,8 @@ class CPDFFile final : public CPDFBlockSource {
   CPDFFile(std::FILE *stream, std::u16string_view registryPath);
   ~CPDFFile() override;
 
-  // Reads the cross-reference and walks the page tree; runs once. 0; 2, 5 for a file that cannot be read far enough or has
-  // no root; 11 for an encrypted one; 12 when it is not a PDF file or has no usable cross-reference. On 0
+  // Reads the cross-reference and walks the page tree; runs once. 0; 2, 5 for a file that cannot be read far enough or
+  // has no root; 11 for an encrypted one; 12 when it is not a PDF file or has no usable cross-reference. On 0
   // `info.pageCount` and `info.formatName` are set.
   uint32_t Open(FileInfo &info);
   using CZVMemoryFileRead::Open;

@@ -63,8 +63,10 @@ int CPDFNameObject::Parse(uint8_t firstChar) {
   uint8_t c = source_->GetByte();
   for (; c != 255 && !IsSpace(c) && c != '/' && c != '[' && c != ']' && c != '<' && c != '>' && c != '(' && c != ')';
        c = source_->GetByte()) {
-    if (name.size() < limits::kTokenText) name += static_cast<char>(c);
-    else tooLong = true;
+    if (name.size() < limits::kTokenText)
+      name += static_cast<char>(c);
+    else
+      tooLong = true;
   }
   lastChar = c;
   if (IsSpace(c)) SkipSpace();
@@ -142,13 +144,25 @@ class LiteralReader {
   // The byte that a backslash and `c` stand for; false when they stand for none.
   bool Escape(uint8_t c, uint8_t &byte) {
     switch (c) {
-      case '\r': return false;  // the byte behind it, often a line feed, counts as it stands
-      case 'b': byte = 8; return true;
-      case 'f': byte = 12; return true;
-      case 'n': byte = 10; return true;
-      case 'r': byte = 13; return true;
-      case 't': byte = 9; return true;
-      default: break;
+      case '\r':
+        return false;  // the byte behind it, often a line feed, counts as it stands
+      case 'b':
+        byte = 8;
+        return true;
+      case 'f':
+        byte = 12;
+        return true;
+      case 'n':
+        byte = 10;
+        return true;
+      case 'r':
+        byte = 13;
+        return true;
+      case 't':
+        byte = 9;
+        return true;
+      default:
+        break;
     }
     byte = IsDigit(c) ? Octal(c) : c;
     return true;

@@ -1,6 +1,7 @@
 #include "pdfmodel/stream.h"
 
 #include <algorithm>
+#include <new>
 #include <vector>
 
 #include "base/ascii.h"
@@ -106,10 +107,12 @@ int CPDFStream::ReadFlateParameters() {
   return 0;
 }
 
-// Behind "stream" one byte counts as the line end, whatever it is, and a line feed behind a carriage return goes with it.
+// Behind "stream" one byte counts as the line end, whatever it is, and a line feed behind a carriage return goes with
+// it.
 int CPDFStream::SkipKeyword() {
   if (lastChar != 's' || !Expect("tream")) return -1;
-  if (source_->GetByte() == '\r' && source_->GetByte() != '\n') source_->Seek(-1, SeekOrigin::kCurrent);
+  if (source_->GetByte() == '\r' && source_->GetByte() != '\n' && !source_->AtEnd())
+    source_->Seek(-1, SeekOrigin::kCurrent);
   return 0;
 }
 
@@ -130,14 +133,15 @@ uint8_t CPDFStream::ReadByte() {
   return byte;
 }
 
-bool CPDFStream::ReadAll(ByteBuffer &decoded) {
+bool CPDFStream::ReadAll(ByteBuffer &decoded) try {
   decoded.Clear();
   if (!codec_) return false;
-  const int64_t left = std::max<int64_t>(objects_.source().blockActive() ? 0 : objects_.source().length() - dataStart_, 0);
+  const int64_t left =
+      std::max<int64_t>(objects_.source().blockActive() ? 0 : objects_.source().length() - dataStart_, 0);
   const auto coded = static_cast<size_t>(std::min<int64_t>(length_, left));
   if (coded == 0) return true;
-  // The coded size is all that is known: a pass-through stream has just that many bytes, others are read into a buffer that
-  // grows by what the codec has made of its input so far.
+  // The coded size is all that is known: a pass-through stream has just that many bytes, others are read into a buffer
+  // that grows by what the codec has made of its input so far.
   decoded.Resize(passThrough_ ? coded : std::min(coded * 2, limits::kDecodedStream));
   double ratio = kFirstRatio;
   size_t filled = 0;
@@ -154,6 +158,9 @@ bool CPDFStream::ReadAll(ByteBuffer &decoded) {
   }
   decoded.Resize(filled);
   return true;
+} catch (const std::bad_alloc &) {
+  decoded.Clear();
+  return false;
 }
 
 size_t UndoRows(std::span<uint8_t> bytes, int32_t predictor, int32_t columns) {

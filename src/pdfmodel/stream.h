@@ -60,9 +60,9 @@ class CPDFStream final : public CPDFObject {
   int32_t columns_ = -1;
 };
 
-// Undoes the row prediction of cross-reference and object streams in place and gives the bytes that remain. Rows have a tag
-// and `columns` bytes. Rows tagged 0 vanish and rows with tags above 2 write nothing, whatever the predictor is called:
-// that is how such streams have always been read here.
+// Undoes the row prediction of cross-reference and object streams in place and gives the bytes that remain. Rows have a
+// tag and `columns` bytes. Rows tagged 0 vanish and rows with tags above 2 write nothing, whatever the predictor is
+// called: that is how such streams have always been read here.
 size_t UndoRows(std::span<uint8_t> bytes, int32_t predictor, int32_t columns);
 
 }  // namespace kapdf

@@ -17,7 +17,7 @@ namespace kapdf {
 
 // What a section ended in.
 enum class SectionEnd {
-  kTrailer = 1,     // a classic table, at the first letter of "trailer"
+  kTrailer = 1,  // a classic table, at the first letter of "trailer"
   kUnreadable = 2,
   kChainEnded = 3,  // the last of a chain of cross-reference streams
   kEncrypted = 4
@@ -51,6 +51,8 @@ class XRefReader final : public ObjectLocator {
     uint64_t first = 0;
     uint64_t announced = 0;  // N
     std::vector<Member> members;
+
+    size_t MemoryUse() const { return bytes.size() + members.size() * sizeof(Member); }
   };
 
   bool ReadClassicSubsection();
@@ -61,16 +63,22 @@ class XRefReader final : public ObjectLocator {
 
   uint32_t ResolveCompressed(int32_t container, uint32_t index);
   const ObjectStream *LoadObjectStream(int32_t container);
+  bool ReadObjectStream(const PDFXRefEntry &entry, ObjectStream &loaded);
   static void ReadMembers(ObjectStream &stream);
-  void CopyToBlock(const ObjectStream &stream, uint32_t index);
+  bool CopyToBlock(const ObjectStream &stream, uint32_t index);
+
+  // Of `wanted` further entries, how many the table may still take.
+  size_t RoomFor(size_t wanted);
 
   PDFXRef table_;
+  size_t entriesLeft_ = limits::kXRefEntries;
   std::unique_ptr<CPDFIndirectObject> streamRoot_;
   std::set<int64_t> visited_;
   bool diagnostics_;
   std::list<ObjectStream> cache_;  // most recently used first
   std::unordered_map<int32_t, std::list<ObjectStream>::iterator> cached_;
   size_t cachedBytes_ = 0;
+  bool loading_ = false;  // an object stream is being read
 };
 
 }  // namespace kapdf

@@ -16,6 +16,18 @@ constexpr uint32_t kBlockPosition = 1;   // the byte of the block behind its fir
 constexpr char kBlockFill = 0x14;        // above the white space, below everything that starts an object
 constexpr size_t kMemberTokenText = 31;  // characters of a number in an object stream's header
 
+// Sets a flag as long as it lives.
+class Busy {
+ public:
+  explicit Busy(bool &flag) : flag_(flag) { flag_ = true; }
+  Busy(const Busy &) = delete;
+  Busy &operator=(const Busy &) = delete;
+  ~Busy() { flag_ = false; }
+
+ private:
+  bool &flag_;
+};
+
 void DumpObjectStream(int64_t position, std::span<const uint8_t> bytes) {
   const auto path = platform::DiagnosticPath("ObjStm_" + std::to_string(position) + ".txt");
   if (const auto file = platform::CreateNewFile(path)) std::fwrite(bytes.data(), 1, bytes.size(), file.get());
@@ -37,51 +49,63 @@ uint32_t XRefReader::Resolve(int32_t objectNumber) {
 uint32_t XRefReader::ResolveCompressed(int32_t container, uint32_t index) {
   const ObjectStream *stream = LoadObjectStream(container);
   if (!stream) return 0;
-  if (index < stream->members.size()) CopyToBlock(*stream, index);
-  else source().ReactivateBlock();  // no such index: what was there before is read again
+  if (index >= stream->members.size())
+    source().ReactivateBlock();  // what was there before is read again
+  else if (!CopyToBlock(*stream, index))
+    return 0;
   return kBlockPosition;
 }
 
 const XRefReader::ObjectStream *XRefReader::LoadObjectStream(int32_t container) {
+  // An object stream that needs another one to be found, or itself, is not followed: neither for its position nor for
+  // its length.
+  if (loading_) return nullptr;
   if (const auto found = cached_.find(container); found != cached_.end()) {
     cache_.splice(cache_.begin(), cache_, found->second);
     return &cache_.front();
   }
-  // An object stream that needs another one to be found is not followed.
   const PDFXRefEntry *entry = table_.Find(container);
   if (!entry || (entry->type != 'n' && entry->type != 'f') || entry->offset == 0) return nullptr;
-  source().LeaveBlock();
-  if (!source().Seek(entry->offset, SeekOrigin::kStart)) return nullptr;
-  CPDFObjectIntro intro(source());
-  if (intro.Parse(255) != 0) return nullptr;
-  CPDFStream stream(*this);
-  if (stream.Parse(intro.lastChar) != 0) return nullptr;
-  const CPDFDictionary &dictionary = *stream.dictionary();
-  const auto *type = dictionary.GetAs<CPDFNameObject>("Type");
-  if (!type || type->name != "ObjStm") return nullptr;
   ObjectStream loaded;
   loaded.object = container;
-  if (!stream.ReadAll(loaded.bytes)) return nullptr;
+  {
+    const Busy busy(loading_);
+    if (!ReadObjectStream(*entry, loaded)) return nullptr;
+  }
+
+  cachedBytes_ += loaded.MemoryUse();
+  cache_.push_front(std::move(loaded));
+  cached_[container] = cache_.begin();
+  while (cachedBytes_ > limits::kObjectStreamCache && cache_.size() > 1) {
+    cachedBytes_ -= cache_.back().MemoryUse();
+    cached_.erase(cache_.back().object);
+    cache_.pop_back();
+  }
+  return &cache_.front();
+}
+
+bool XRefReader::ReadObjectStream(const PDFXRefEntry &entry, ObjectStream &loaded) {
+  source().LeaveBlock();
+  if (!source().Seek(entry.offset, SeekOrigin::kStart)) return false;
+  CPDFObjectIntro intro(source());
+  if (intro.Parse(255) != 0) return false;
+  CPDFStream stream(*this);
+  if (stream.Parse(intro.lastChar) != 0) return false;
+  const CPDFDictionary &dictionary = *stream.dictionary();
+  const auto *type = dictionary.GetAs<CPDFNameObject>("Type");
+  if (!type || type->name != "ObjStm" || !stream.ReadAll(loaded.bytes)) return false;
+  if (!source().Charge(static_cast<int64_t>(loaded.bytes.size()))) return false;
   if (stream.predictor() != 0) {
     loaded.bytes.Resize(UndoRows({loaded.bytes.data(), loaded.bytes.size()}, stream.predictor(), stream.columns()));
   }
   loaded.bytes.ShrinkToFit();
-  if (diagnostics_) DumpObjectStream(entry->offset, loaded.bytes.span());
+  if (diagnostics_) DumpObjectStream(entry.offset, loaded.bytes.span());
   const auto *count = dictionary.GetAs<CPDFNumeric>("N");
   const auto *first = dictionary.GetAs<CPDFNumeric>("First");
   loaded.announced = count ? static_cast<uint64_t>(std::max(count->intValue, 0)) : 0;
   loaded.first = first ? static_cast<uint64_t>(std::max(first->intValue, 0)) : 0;
   ReadMembers(loaded);
-
-  cachedBytes_ += loaded.bytes.size();
-  cache_.push_front(std::move(loaded));
-  cached_[container] = cache_.begin();
-  while (cachedBytes_ > limits::kObjectStreamCache && cache_.size() > 1) {
-    cachedBytes_ -= cache_.back().bytes.size();
-    cached_.erase(cache_.back().object);
-    cache_.pop_back();
-  }
-  return &cache_.front();
+  return true;
 }
 
 void XRefReader::ReadMembers(ObjectStream &stream) {
@@ -94,7 +118,7 @@ void XRefReader::ReadMembers(ObjectStream &stream) {
     while (at < size && !IsSpace(static_cast<uint8_t>(text[at]))) ++at;
     return {text + start, at - start};
   };
-  while (stream.members.size() < stream.announced) {
+  while (stream.members.size() < std::min<uint64_t>(stream.announced, limits::kObjectStreamMembers)) {
     const std::string_view number = token();
     const std::string_view offset = token();
     if (offset.empty() || number.size() > kMemberTokenText || offset.size() > kMemberTokenText) break;
@@ -103,9 +127,9 @@ void XRefReader::ReadMembers(ObjectStream &stream) {
   }
 }
 
-// The block is one fill byte, "n 0 obj ", the object's text with two bytes more than its length, and fill to the end. The
-// number is the header's own.
-void XRefReader::CopyToBlock(const ObjectStream &stream, uint32_t index) {
+// The block is one fill byte, "n 0 obj ", the object's text with two bytes more than its length, and fill to the end.
+// The number is the header's own. False when the document has asked for too much.
+bool XRefReader::CopyToBlock(const ObjectStream &stream, uint32_t index) {
   const ObjectStream::Member &member = stream.members[index];
   const uint64_t size = stream.bytes.size();
   const uint64_t start = std::min(member.offset + stream.first, size);
@@ -114,6 +138,7 @@ void XRefReader::CopyToBlock(const ObjectStream &stream, uint32_t index) {
     const uint64_t next = stream.members[index + 1].offset;
     if (next > member.offset && next <= size) length = std::min(length, next - member.offset - 1);
   }
+  if (!source().Charge(static_cast<int64_t>(length))) return false;
   std::string block(static_cast<size_t>(length) + member.number.size() + 10, kBlockFill);
   size_t at = kBlockPosition;
   at += member.number.copy(block.data() + at, member.number.size());
@@ -122,6 +147,7 @@ void XRefReader::CopyToBlock(const ObjectStream &stream, uint32_t index) {
   const auto copied = static_cast<size_t>(std::min(length + 2, size - start));
   std::memcpy(block.data() + at, stream.bytes.data() + start, copied);
   source().ActivateBlock(std::move(block));
+  return true;
 }
 
 }  // namespace kapdf

@@ -51,7 +51,8 @@ SectionEnd XRefReader::ReadSection() {
   return SectionEnd::kTrailer;
 }
 
-// False at a byte above "9", which is how a table ends: it is the first letter of "trailer". Each pass takes at least a byte.
+// False at a byte above "9", which is how a table ends: it is the first letter of "trailer". Each pass takes at least a
+// byte.
 bool XRefReader::ReadClassicSubsection() {
   char line[kLineBytes];
   size_t length = 0;
@@ -67,12 +68,20 @@ bool XRefReader::ReadClassicSubsection() {
   return true;
 }
 
+size_t XRefReader::RoomFor(size_t wanted) {
+  const size_t taken = std::min(wanted, entriesLeft_);
+  entriesLeft_ -= taken;
+  return taken;
+}
+
 // Entries are taken to be 20 bytes wide whatever they look like.
 void XRefReader::ReadClassicEntries(int32_t first, int32_t count) {
   const int64_t room = (source().length() - source().Tell()) / static_cast<int64_t>(kClassicEntryBytes);
   PDFXRefBlock block;
   block.firstObject = first;
-  const auto wanted = static_cast<size_t>(std::clamp<int64_t>(count, 0, std::max<int64_t>(room, 0)));
+  const auto present = static_cast<size_t>(std::clamp<int64_t>(count, 0, std::max<int64_t>(room, 0)));
+  const size_t wanted = RoomFor(present);
+  source().Charge(static_cast<int64_t>(wanted * kClassicEntryBytes));
   block.entries.reserve(wanted);
   char line[kClassicEntryBytes + 1] = {};
   while (block.entries.size() < wanted && source().Read(line, kClassicEntryBytes) == kClassicEntryBytes) {
@@ -86,6 +95,7 @@ void XRefReader::ReadClassicEntries(int32_t first, int32_t count) {
     entry.type = static_cast<uint8_t>(*at);
     block.entries.push_back(entry);
   }
+  source().Seek(static_cast<int64_t>((present - wanted) * kClassicEntryBytes), SeekOrigin::kCurrent);
   block.count = static_cast<int32_t>(block.entries.size());
   if (block.count > 0) table_.AddBlock(std::move(block));
 }
@@ -102,9 +112,10 @@ SectionEnd XRefReader::ReadStreamChain(int64_t position) {
     const auto *type = dictionary.GetAs<CPDFNameObject>("Type");
     if (!type || type->name != "XRef") return SectionEnd::kUnreadable;
     if (dictionary.Get("Encrypt")) return SectionEnd::kEncrypted;
-    if (const auto *root = dictionary.GetAs<CPDFIndirectObject>("Root"); root && !streamRoot_) streamRoot_ = root->Copy();
+    if (const auto *root = dictionary.GetAs<CPDFIndirectObject>("Root"); root && !streamRoot_)
+      streamRoot_ = root->Copy();
     ByteBuffer bytes;
-    if (!stream.ReadAll(bytes)) return SectionEnd::kUnreadable;
+    if (!stream.ReadAll(bytes) || !source().Charge(static_cast<int64_t>(bytes.size()))) return SectionEnd::kUnreadable;
     if (stream.predictor() != 0) {
       bytes.Resize(UndoRows({bytes.data(), bytes.size()}, stream.predictor(), stream.columns()));
     }
@@ -142,7 +153,7 @@ bool XRefReader::AddStreamEntries(const CPDFDictionary &dictionary, std::span<co
     }
     PDFXRefBlock block;
     block.firstObject = first;
-    const size_t records = std::min(left, static_cast<size_t>(std::max(count, 0)));
+    const size_t records = RoomFor(std::min(left, static_cast<size_t>(std::max(count, 0))));
     block.entries.reserve(records);
     for (size_t i = 0; i < records; ++i, at += record) {
       // A first field of no width reads as type 0: the entry is free.
@@ -168,7 +179,8 @@ void XRefReader::DumpEntries(int64_t position, size_t firstBlock) const {
   if (!file) return;
   for (size_t i = firstBlock; i < table_.blocks().size(); ++i) {
     for (const PDFXRefEntry &entry : table_.blocks()[i].entries) {
-      std::fprintf(file.get(), "%c %u %u\r\n", entry.type, entry.offset, entry.generation);
+      std::fprintf(file.get(), "%c %d %d\r\n", entry.type, static_cast<int>(entry.offset),
+                   static_cast<int>(entry.generation));
     }
   }
 }

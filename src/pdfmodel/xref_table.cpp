@@ -1,52 +1,39 @@
 #include "pdfmodel/xref_table.h"
 
 #include <algorithm>
-#include <queue>
+#include <iterator>
 
 namespace kapdf {
 
 void PDFXRef::AddBlock(PDFXRefBlock block) { blocks_.push_back(std::move(block)); }
 
-namespace {
-
-struct Boundary {
-  int64_t at;
-  bool opens;
-  size_t block;
-};
-
-}  // namespace
-
-// Sweeps over the ends of all blocks and keeps, between two ends, the first block that is open there. The result is a list
-// of disjoint ranges in ascending order, so that a lookup is one binary search whatever the number of sections.
-const PDFXRefBlock *PDFXRef::FindBlock(int32_t objectNumber) const {
-  if (rangedBlocks_ != blocks_.size()) {
-    std::vector<Boundary> ends;
-    for (size_t i = 0; i < blocks_.size(); ++i) {
-      if (blocks_[i].count < 1) continue;
-      ends.push_back({blocks_[i].firstObject, true, i});
-      ends.push_back({int64_t{blocks_[i].firstObject} + blocks_[i].count, false, i});
-    }
-    std::sort(ends.begin(), ends.end(), [](const Boundary &a, const Boundary &b) { return a.at < b.at; });
-    ranges_.clear();
-    std::priority_queue<size_t, std::vector<size_t>, std::greater<>> open;
-    std::vector<bool> closed(blocks_.size());
-    for (size_t i = 0; i < ends.size();) {
-      const int64_t at = ends[i].at;
-      for (; i < ends.size() && ends[i].at == at; ++i) {
-        if (ends[i].opens) open.push(ends[i].block);
-        else closed[ends[i].block] = true;
-      }
-      while (!open.empty() && closed[open.top()]) open.pop();
-      if (!ranges_.empty()) ranges_.back().end = std::min(ranges_.back().end, at);
-      if (!open.empty()) ranges_.push_back({at, int64_t{1} << 40, open.top()});
-    }
-    rangedBlocks_ = blocks_.size();
+// Enters what no earlier block holds. The covered ranges that are met become one, so that none is met often.
+void PDFXRef::IndexBlock(size_t block) const {
+  int64_t first = blocks_[block].firstObject;
+  int64_t end = first + blocks_[block].count;
+  if (end <= first) return;
+  auto next = covered_.upper_bound(first);
+  if (next != covered_.begin() && std::prev(next)->second >= first) --next;
+  int64_t at = first;
+  while (next != covered_.end() && next->first <= end) {
+    if (at < next->first) ranges_[at] = {next->first, block};
+    at = std::max(at, next->second);
+    first = std::min(first, next->first);
+    next = covered_.erase(next);
   }
-  auto after = std::upper_bound(ranges_.begin(), ranges_.end(), int64_t{objectNumber},
-                                [](int64_t number, const Range &range) { return number < range.first; });
+  if (at < end) ranges_[at] = {end, block};
+  covered_[first] = std::max(at, end);
+}
+
+const PDFXRefBlock *PDFXRef::FindBlock(int32_t objectNumber) const {
+  if (indexedBlocks_ == 0) {
+    ranges_.clear();
+    covered_.clear();
+  }
+  for (; indexedBlocks_ < blocks_.size(); ++indexedBlocks_) IndexBlock(indexedBlocks_);
+  const auto after = ranges_.upper_bound(objectNumber);
   if (after == ranges_.begin()) return nullptr;
-  const Range &range = *--after;
+  const Range &range = std::prev(after)->second;
   return objectNumber < range.end ? &blocks_[range.block] : nullptr;
 }
 
@@ -76,7 +63,7 @@ int32_t PDFXRef::Append(uint32_t offset, int32_t generation, uint8_t type) {
   if (blocks_.empty()) blocks_.push_back({});
   PDFXRefBlock &last = blocks_.back();
   last.entries.push_back({offset, generation < 0 ? 0u : static_cast<uint32_t>(generation), type});
-  rangedBlocks_ = 0;
+  indexedBlocks_ = 0;
   return last.firstObject + last.count++;
 }
 
@@ -97,7 +84,7 @@ void PDFXRef::CopyFrom(const PDFXRef &other) {
     block.entries.resize(static_cast<size_t>(std::max(block.count, 0)));
     blocks_.push_back(std::move(block));
   }
-  rangedBlocks_ = 0;
+  indexedBlocks_ = 0;
 }
 
 }  // namespace kapdf

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <vector>
 
 namespace kapdf {
@@ -20,8 +21,8 @@ struct PDFXRefBlock {
   std::vector<PDFXRefEntry> entries;
 };
 
-// Blocks in the order in which they were added: for a reader the newest section first. The first block that holds a number
-// wins.
+// Blocks in the order in which they were added: for a reader the newest section first. The first block that holds a
+// number wins.
 class PDFXRef {
  public:
   const std::vector<PDFXRefBlock> &blocks() const { return blocks_; }
@@ -38,7 +39,8 @@ class PDFXRef {
   //
   // Opens an empty section at `first`. 0 goes on with the last section, or opens section 0 with the free head entry.
   void BeginSection(int32_t first);
-  // Adds an entry to the last section and returns the object number that it stands for. A negative generation is stored as 0.
+  // Adds an entry to the last section and returns the object number that it stands for. A negative generation is stored
+  // as 0.
   int32_t Append(uint32_t offset, int32_t generation, uint8_t type);
   // Overwrites offset and type of the entry of a number; a number that no section holds is appended instead.
   void Set(uint32_t offset, int32_t objectNumber, uint8_t type);
@@ -47,15 +49,17 @@ class PDFXRef {
 
  private:
   const PDFXRefBlock *FindBlock(int32_t objectNumber) const;
+  void IndexBlock(size_t block) const;
 
   std::vector<PDFXRefBlock> blocks_;
-  // Ranges of the blocks sorted for lookup, made anew when blocks were added since: files with one object a section exist.
+  // What each block holds first, as disjoint ranges by their first number: files with one object a section exist.
   struct Range {
-    int64_t first, end;
+    int64_t end;
     size_t block;
   };
-  mutable std::vector<Range> ranges_;
-  mutable size_t rangedBlocks_ = 0;
+  mutable std::map<int64_t, Range> ranges_;
+  mutable std::map<int64_t, int64_t> covered_;  // all of them joined, first number to end
+  mutable size_t indexedBlocks_ = 0;
 };
 
 }  // namespace kapdf
