@@ -12,8 +12,8 @@ namespace kapdf {
 // Moves, and does not copy.
 class CoordArray {
  public:
-  // `growBy`: values by which the storage grows at least; it grows by half of itself where that is more, so that a long path
-  // costs no more per point than a short one.
+  // `growBy`: values by which the storage grows at least; it grows by half of itself where that is more, so that a long
+  // path costs no more per point than a short one.
   explicit CoordArray(size_t growBy = 32) : growBy_(growBy) {}
 
   // Values in use, twice the points.
