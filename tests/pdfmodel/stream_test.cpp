@@ -1,0 +1,142 @@
+#include "pdfmodel/stream.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/opened_pdf.h"
+#include "support/pdf_builder.h"
+
+namespace kapdf {
+namespace {
+
+using test::Deflate;
+
+struct Outcome {
+  int parsed = -9;
+  bool codec = false;
+  std::string data;
+};
+
+// Object 5 as a stream.
+Outcome ReadStream(CPDFFile &file, int32_t number = 5) {
+  Outcome outcome;
+  uint8_t first;
+  if (!OpenObject(file.objects(), number, first)) return outcome;
+  CPDFStream stream(file.objects());
+  outcome.parsed = stream.Parse(first);
+  outcome.codec = stream.codec() != nullptr;
+  EXPECT_NE(stream.dictionary(), nullptr);
+  ByteBuffer bytes;
+  if (outcome.parsed >= 0 && stream.ReadAll(bytes))
+    outcome.data.assign(reinterpret_cast<const char *>(bytes.data()), bytes.size());
+  return outcome;
+}
+
+TEST(Streams, FiltersLengthsAndLineEnds) {
+  const std::string flate = Deflate("Hello"), a85 = "Gb\"@rc,n'4!!S;^o`~>";
+  const auto length = [](const std::string &data) { return " /Length " + std::to_string(data.size()); };
+  const struct {
+    std::string entries, behind;  // of the dictionary
+    int parsed;
+    std::string data;
+  } cases[] = {
+      {"/Length 3", "stream\nabc", 0, "abc"},
+      {"/Length 3", "stream\r\nabc", 0, "abc"},
+      {"/Length 3", "stream\rabc", 0, "abc"},
+      {"/Length 3", "stream abc", 0, "abc"},  // one byte, whatever it is
+      {"/Length 3", " \n stream\n\nbc", 0, "\nbc"},
+      {"/Length 3", "strean\nabc", -1, ""},
+      {"/Length 3 /Filter /DCTDecode", "other", -1, ""},
+      {"/Length 0", "stream\nabc", 1, ""},
+      {"/Length -4", "stream\nabc", 1, ""},
+      {"", "stream\nabc", 1, ""},
+      {"/Length (3)", "stream\nabc", 1, ""},
+      {"/Length 6 0 R", "stream\nabc", 0, "abc"},
+      {"/Length 77 0 R", "stream\nabc", 1, ""},
+      {"/Length 3 /Filter []", "stream\nabc", 0, "abc"},
+      {"/Length 3 /Filter 6 0 R", "stream\nabc", 0, "abc"},
+      {"/Length 3 /Filter /DCTDecode", "stream\nabc", 1, ""},
+      {"/Filter /FlateDecode" + length(flate), "stream\n" + flate, 0, "Hello"},
+      {"/Filter /Fl /Length 1", "stream\n" + flate, 0, "Hello"},
+      {"/Filter [/FlateDecode]" + length(flate), "stream\r\n" + flate, 0, "Hello"},
+      {"/Filter [/A85 /Fl]" + length(a85), "stream\n" + a85, 0, "Hello"},
+      {"/Filter [/Fl /A85]" + length(a85), "stream\n" + a85, 0, a85},  // no known order: as it stands
+      {"/Filter [/A85 /AHx /Fl] /Length 3", "stream\nabc", 0, "abc"},
+      {"/Filter /AHx /Length 5", "stream\n4142>", 0, "AB"},
+      {"/Filter /ASCII85Decode /Length 9", "stream\n87cURDZ~>", 0, "Hello"},
+      {"/Filter /Fl /DecodeParms [null null]" + length(flate), "stream\n" + flate, 1, "Hello"},
+  };
+  for (const auto &c : cases) {
+    test::OpenedPdf pdf(test::PagesOf({"n"}).Object(5, "<<" + c.entries + ">>" + c.behind).Object(6, "3").Build());
+    ASSERT_EQ(pdf.result, 0u);
+    const Outcome outcome = ReadStream(pdf.file);
+    EXPECT_EQ(outcome.parsed, c.parsed) << c.entries << c.behind;
+    EXPECT_EQ(outcome.data, c.data) << c.entries << c.behind;
+  }
+}
+
+TEST(Streams, LengthBeyondTheFileGivesWhatIsThere) {
+  test::OpenedPdf pdf(test::PagesOf({"n"}).Object(5, "<</Length 2000000000>>stream\nabc").Build());
+  EXPECT_EQ(ReadStream(pdf.file).data.substr(0, 4), "abc\n");
+}
+
+TEST(Streams, GrowsAsFarAsTheCodecGoes) {
+  const std::string plain(3'000'000, 'x');
+  test::OpenedPdf pdf(test::PagesOf({"n"}).FlateStream(5, "", plain).Build());
+  EXPECT_EQ(ReadStream(pdf.file).data, plain);
+}
+
+TEST(Streams, ParametersAndSingleReads) {
+  test::OpenedPdf pdf(test::PagesOf({"n"})
+                          .FlateStream(5, "/Length1 9 /DecodeParms <</Predictor 12 /Columns 4>>", "AB")
+                          .Stream(6, "/Length1 9 /Length2 1", "x")
+                          .Build());
+  uint8_t first, two[2];
+  ASSERT_TRUE(OpenObject(pdf.file.objects(), 5, first));
+  CPDFStream stream(pdf.file.objects());
+  EXPECT_EQ(stream.ReadDecoded(two, 2), 1u);  // no codec yet
+  ASSERT_EQ(stream.Parse(first), 0);
+  EXPECT_EQ(stream.length1(), 9);
+  EXPECT_EQ(stream.predictor(), 12);
+  EXPECT_EQ(stream.columns(), 4);
+  EXPECT_EQ(stream.ReadByte(), 'A');
+  EXPECT_EQ(stream.status(), 0u);
+  EXPECT_EQ(stream.ReadDecoded(two, 2), 1u);  // fewer than asked
+  EXPECT_EQ(stream.ReadByte(), 255);
+  EXPECT_EQ(stream.status(), 5u);
+  ASSERT_TRUE(OpenObject(pdf.file.objects(), 6, first));
+  CPDFStream other(pdf.file.objects());
+  ASSERT_EQ(other.Parse(first), 0);
+  EXPECT_EQ(other.length1(), 0);
+}
+
+TEST(Streams, UndoRows) {
+  using namespace std::string_literals;
+  const struct {
+    std::string rows;
+    int predictor, columns;
+    std::string bytes;
+  } cases[] = {
+      {"\2\1\2\2\1\1\2\0\3"s, 12, 2, "\1\2\2\3\2\6"s},
+      {"\1\1\1\1\1\5"s, 10, 2, "\1\2\1\6"s},
+      {"\2\1\1\1\5\5\2\1\1"s, 2, 2, "\1\1\5\12\6\13"s},
+      {"\2\1\2\3\7\7\4\7\7\2\1\1"s, 15, 2, "\1\2\2\3"s},  // tags above 2 write nothing
+      {"\0\7\7"s, 15, 2, ""s},                            // nor does tag 0,
+      {"\0\7\7\2\1\1"s, 15, 2, "\1\10"s},                 // which leaves the start of the bytes as the row above
+      {"\2\1\2\0\7\7\2\1\1"s, 15, 2, "\1\2\2\3"s},
+      {"\2\1\2\2\1"s, 12, 2, "\1\2"s},  // a row cut short is dropped
+      {"\2\1"s, 12, 2, ""s},
+      {"\2\1\2"s, 1, 2, "\2\1\2"s},
+      {"\2\1\2"s, 12, 0, "\2\1\2"s},
+      {"\2\1\2"s, 12, 2147483647, ""s},
+  };
+  for (const auto &c : cases) {
+    std::string bytes = c.rows;
+    bytes.resize(UndoRows({reinterpret_cast<uint8_t *>(bytes.data()), bytes.size()}, c.predictor, c.columns));
+    EXPECT_EQ(testing::PrintToString(bytes), testing::PrintToString(c.bytes)) << testing::PrintToString(c.rows);
+  }
+}
+
+}  // namespace
+}  // namespace kapdf
