@@ -14,7 +14,7 @@ inline constexpr size_t kObjectStreamMembers = size_t{1} << 20;  // of one objec
 // for each byte of the file. Beyond them no object is found. Objects may overlap, so that the size of a file alone does
 // not bound the work that it asks for.
 inline constexpr int64_t kObjectWork = int64_t{128} << 20;
-inline constexpr int64_t kObjectWorkPerByte = 256;
+inline constexpr int64_t kObjectWorkPerByte = 64;
 inline constexpr int kPageTreeDepth = 256;                      // the walk ends as for a damaged node
 inline constexpr size_t kPages = 1'000'000;                     // leaves of the page tree
 inline constexpr int kFormDepth = 500;                          // forms inside forms
