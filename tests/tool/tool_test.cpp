@@ -70,6 +70,8 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
   Write("encrypted.pdf", "refuse 11");
   Write("infinite.pdf", "infinite");
   Write("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
+  Write("empty.jsonl", "\n");
+  Write("older.jsonl", "as it was");
   Write("two.jsonl", "{\"kapdf\":1}\n{\"kapdf\":1}\n");
   const struct {
     std::vector<std::string> words;
@@ -92,6 +94,10 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
       {{"import", "all.pdf", "--set", "Quality=3.5"}, 2, "Quality takes an integer"},
       {{"import", "all.pdf", "--set", "PaperFrame=inf"}, 2, "PaperFrame takes a number"},
       {{"import"}, 2, "FILE is required"},
+      {{"imprt", "all.pdf"}, 2, "there is no command \"imprt\""},
+      {{"export", "empty.jsonl", "-o", "gone.pdf"}, 1, "holds no drawing"},
+      {{"import", "all.pdf", "--page", "0", "-o", "older.jsonl"}, 1, "has no page 0"},
+      {{"import", "damaged.pdf", "-o", "older.jsonl"}, 1, "(result 2)"},
   };
   for (const auto &c : cases) {
     const Ran ran = Kapdf(c.words);
@@ -100,6 +106,7 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
     EXPECT_EQ(std::count(ran.err.begin(), ran.err.end(), '\n'), 1) << ran.err;
   }
   for (const char *path : {"gone.jsonl", "gone.pdf"}) EXPECT_FALSE(std::filesystem::exists(path)) << path;
+  EXPECT_EQ(Read("older.jsonl"), "as it was");
 }
 
 TEST(Tool, RefusesLinesThatItCannotKeepWhole) {
@@ -107,6 +114,7 @@ TEST(Tool, RefusesLinesThatItCannotKeepWhole) {
     const char *line, *says;
   } cases[] = {
       {"{\"kind\":\"circle\",\"center\":[0,0]}", "a circle needs \"radius\""},
+      {"{\"kind\":\"arc\",\"center\":[0,0],\"radius\":1}", "an arc needs \"startAngle\""},
       {"{\"kind\":\"circle\",\"center\":[0,0],\"radius\":1,\"centre\":1}", "a circle has no \"centre\""},
       {"{\"kind\":\"line\",\"points\":[[0,0],[1,1],[2,2]]}", "takes two points"},
       {"{\"kind\":\"line\",\"points\":[[0,0],[1]]}", "takes two points"},

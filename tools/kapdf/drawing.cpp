@@ -56,6 +56,7 @@ Outcome ReadDrawing(std::istream &in, const std::string &name, std::optional<int
     if (page.value_or(1) == pages) drawing.records.push_back(std::move(record));
   }
   if (in.bad()) return Fail("cannot read " + name + " to its end");
+  if (pages == 0) return Fail(name + " holds no drawing: it has no lines");
   if (page && (*page < 1 || *page > pages)) return NoSuchPage(name, *page, pages);
   if (!page && pages > 1) {
     return Fail(name + " has " + std::to_string(pages) + " pages; choose one with --page");

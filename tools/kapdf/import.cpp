@@ -16,12 +16,21 @@ bool EndsWith(const std::string &path, std::string_view ending) {
   return EqualsIgnoringCase(extension, ending);
 }
 
-// Every page starts with a line of its own; the records follow.
+// Every page starts with a line of its own; the records follow. The output is opened with the first page, so that a
+// page that does not exist costs nobody an older file.
 class JsonLinesSink : public RecordSink {
  public:
-  JsonLinesSink(Output &output, std::string file) : output_(output), file_(std::move(file)) {}
+  // To the standard output if `path` is empty.
+  JsonLinesSink(std::ostream &standard, std::string path, std::string file)
+      : path_(std::move(path)), file_(std::move(file)) {
+    output_.UseStream(standard);
+  }
 
   Outcome BeginPage(int page, int pages) override {
+    if (!begun_ && !path_.empty()) {
+      if (Outcome opened = output_.OpenFile(path_); !opened.ok()) return opened;
+    }
+    begun_ = true;
     std::string &out = output_.buffer();
     out += "{\"kapdf\":1,\"page\":" + std::to_string(page) + ",\"pages\":" + std::to_string(pages) + ",\"file\":";
     AppendJsonText(out, std::string_view(file_));
@@ -36,10 +45,12 @@ class JsonLinesSink : public RecordSink {
     return output_.Spill();
   }
   Outcome EndPage() override { return {}; }
+  Outcome Finish() { return output_.Finish(); }
 
  private:
-  Output &output_;
-  std::string file_;
+  Output output_;
+  std::string path_, file_;
+  bool begun_ = false;
   uint64_t count_ = 0;
 };
 
@@ -132,19 +143,14 @@ Outcome RunImport(const Session &session, const ImportRequest &request) {
 
   PageReader reader(session, request.file);
   if (Outcome opened = reader.Open(); !opened.ok()) return opened;
-  Output output;
-  output.UseStream(session.streams.out);
-  if (!svg && !request.output.empty()) {
-    if (Outcome opened = output.OpenFile(request.output); !opened.ok()) return opened;
-  }
-  JsonLinesSink linesSink(output, request.file);
+  JsonLinesSink linesSink(session.streams.out, svg ? "" : request.output, request.file);
   SvgSink svgSink(request.output, request.file, request.all);
   CountingSink sink(svg ? static_cast<RecordSink &>(svgSink) : linesSink);
 
   Progress progress(session.streams.err, session.showProgress);
   Outcome outcome = ReadPages(reader, request, progress, sink);
   progress.Clear();
-  if (outcome.ok() && !svg) outcome = output.Finish();
+  if (outcome.ok() && !svg) outcome = linesSink.Finish();
   if (outcome.ok()) TellSummary(session, request, reader, sink.counts());
   return outcome;
 }

@@ -59,8 +59,9 @@ Outcome RunInfo(const Session &session, const InfoRequest &request) {
   progress.Clear();
   if (!read.ok()) return read;
   out << "page " << request.page << "     " << counter.counts().Tell() << "\n"
-      << "elements   " << TellBox(counter.box()) << "\n";
-  return {};
+      << "elements   " << TellBox(counter.box()) << "\n"
+      << std::flush;
+  return out ? Outcome{} : Fail("cannot write all of the standard output; is the disk full?");
 }
 
 }  // namespace kapdf::tool

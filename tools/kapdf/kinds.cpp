@@ -117,6 +117,11 @@ const Kind *FindKind(std::string_view word) {
   return found == std::end(kKinds) ? nullptr : found;
 }
 
+std::string WithArticle(const Kind &kind) {
+  return (std::string_view("aeiou").find(kind.word[0]) == std::string_view::npos ? "a " : "an ") +
+         std::string(kind.word);
+}
+
 const char *KindWord(uint32_t kind) {
   const Kind *found = FindKind(kind);
   return found != nullptr ? found->word : "element of an unknown kind";

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "kapdf/kapdf.h"
@@ -49,6 +50,8 @@ struct Kind {
 // Null for a code that no file can hold.
 const Kind *FindKind(uint32_t kind);
 const Kind *FindKind(std::string_view word);
+// "a line", "an arc".
+std::string WithArticle(const Kind &kind);
 // "line", or "kind 99".
 const char *KindWord(uint32_t kind);
 

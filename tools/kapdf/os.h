@@ -33,6 +33,8 @@ class Library {
 std::string ProgramFolder();
 std::string ModuleFileName();
 
+// The signals that ask a run to stop: Ctrl-C, and what tells that the terminal is gone.
+std::vector<int> StopSignals();
 bool ErrorStreamIsTerminal();
 std::string Environment(const char *name);
 

@@ -26,13 +26,11 @@ void OnInterrupt(int signal) {
 
 InterruptGuard::InterruptGuard() {
   interrupted = 0;
-  previousInterrupt_ = std::signal(SIGINT, OnInterrupt);
-  previousTerminate_ = std::signal(SIGTERM, OnInterrupt);
+  for (const int signal : StopSignals()) previous_.emplace_back(signal, std::signal(signal, OnInterrupt));
 }
 
 InterruptGuard::~InterruptGuard() {
-  std::signal(SIGINT, previousInterrupt_);
-  std::signal(SIGTERM, previousTerminate_);
+  for (const auto &[signal, handler] : previous_) std::signal(signal, handler);
 }
 
 bool InterruptGuard::Requested() { return interrupted != 0; }

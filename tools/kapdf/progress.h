@@ -4,12 +4,15 @@
 #include <chrono>
 #include <ostream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "kapdf/kapdf.h"
 
 namespace kapdf::tool {
 
-// From construction to destruction Ctrl-C asks the run to stop instead of ending the program. A second one ends it.
+// From construction to destruction Ctrl-C and its like ask the run to stop instead of ending the program. A second one
+// ends it.
 class InterruptGuard {
  public:
   InterruptGuard();
@@ -20,7 +23,7 @@ class InterruptGuard {
 
  private:
   using Handler = void (*)(int);
-  Handler previousInterrupt_, previousTerminate_;
+  std::vector<std::pair<int, Handler>> previous_;
 };
 
 // Standard layout ahead of everything else: the module sees a ProgressObject.

@@ -82,7 +82,7 @@ class RecordBuilder {
     return false;
   }
   bool Wants(const char *key, const char *what) {
-    return Fault("\"" + std::string(key) + "\" of a " + kind_->word + " takes " + what);
+    return Fault("\"" + std::string(key) + "\" of " + WithArticle(*kind_) + " takes " + what);
   }
 
   bool FindKindOfLine() {
@@ -136,7 +136,7 @@ class RecordBuilder {
   bool ReadField(const Field &field, PayloadBuilder &payload) {
     const JsonValue *value = line_.Find(field.key);
     if (value == nullptr && field.need == Need::kRequired) {
-      return Fault(std::string("a ") + kind_->word + " needs \"" + field.key + "\"");
+      return Fault(WithArticle(*kind_) + " needs \"" + field.key + "\"");
     }
     switch (field.type) {
       case FieldType::kReal:
@@ -338,7 +338,7 @@ class RecordBuilder {
 
   bool NothingLeft() {
     const JsonValue *unused = line_.Unused();
-    return unused == nullptr || Fault(std::string("a ") + kind_->word + " has no \"" + unused->key + "\"");
+    return unused == nullptr || Fault(WithArticle(*kind_) + " has no \"" + unused->key + "\"");
   }
 
   JsonLine &line_;

@@ -296,7 +296,7 @@ std::optional<std::string> AppendRecord(std::string &out, const ElementRecord &r
   const Kind *kind = FindKind(record.kind);
   if (kind == nullptr) return "of kind " + std::to_string(record.kind) + ", which is unknown";
   if (kind->payloadBytes > 0 && (record.payload == nullptr || record.payloadBytes < kind->payloadBytes)) {
-    return std::string("a ") + kind->word + " with too short a payload";
+    return WithArticle(*kind) + " with too short a payload";
   }
   const size_t start = out.size();
   LineWriter line(out);
@@ -306,7 +306,7 @@ std::optional<std::string> AppendRecord(std::string &out, const ElementRecord &r
   if (fault == nullptr && !line.finite()) fault = "a value that is not finite";
   if (fault != nullptr) {
     out.resize(start);
-    return std::string("a ") + kind->word + " with " + fault;
+    return WithArticle(*kind) + " with " + fault;
   }
   out += "}\n";
   return std::nullopt;

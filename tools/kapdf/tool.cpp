@@ -136,6 +136,11 @@ int RunTool(const std::vector<std::string> &words, const Streams &streams) {
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
   } catch (const CLI::Success &help) {
     return app.exit(help, streams.out, streams.err);
+  } catch (const CLI::RequiredError &error) {
+    const bool unknown = app.get_subcommands().empty() && !words.empty() && !words[0].starts_with('-');
+    streams.err << "kapdf: " << (unknown ? "there is no command \"" + words[0] + "\"" : error.what())
+                << " (kapdf --help tells more)\n";
+    return kExitUsage;
   } catch (const CLI::ParseError &error) {
     streams.err << "kapdf: " << error.what() << " (kapdf --help tells more)\n";
     return kExitUsage;

@@ -1,6 +1,7 @@
 #include "../os.h"
 
 #include <dlfcn.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -16,6 +17,7 @@ Library Library::Open(const std::string &path, std::string &reason) {
   if (library.handle_ == nullptr) {
     const char *words = dlerror();
     reason = words != nullptr ? words : "unknown";
+    if (reason.starts_with(path + ": ")) reason.erase(0, path.size() + 2);
   }
   return library;
 }
@@ -33,6 +35,14 @@ std::string ProgramFolder() {
 }
 
 std::string ModuleFileName() { return "kaPDF.so"; }
+
+// Under nohup the run goes on when the terminal closes.
+std::vector<int> StopSignals() {
+  std::vector<int> signals{SIGINT, SIGTERM};
+  struct sigaction hangUp = {};
+  if (sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler != SIG_IGN) signals.push_back(SIGHUP);
+  return signals;
+}
 
 bool ErrorStreamIsTerminal() { return isatty(STDERR_FILENO) != 0; }
 

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -19,6 +20,19 @@ constexpr std::string_view kRunPath = "Software\\Tessmark GmbH\\kapdf-run";
 
 // Read by the signal handler, so a plain buffer.
 char fileInUse[4096];
+
+// Whoever reads the output may go away, as `head` does; the signal then ends the program as it always does.
+void OnBrokenPipe(int signal) {
+  SettingsForRun::RemoveInHaste();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+// Leaves any other handler where it is, such as the one that ignores the signal.
+void ReplacePipeHandler(void (*from)(int), void (*to)(int)) {
+  const auto before = std::signal(SIGPIPE, to);
+  if (before != from) std::signal(SIGPIPE, before);
+}
 
 using Section = std::vector<std::pair<std::string, std::string>>;
 
@@ -94,6 +108,7 @@ bool SettingsForRun::Store(const std::vector<SettingValue> &values, std::string 
   }
   file_ = name;
   std::memcpy(fileInUse, name.c_str(), name.size() + 1);
+  ReplacePipeHandler(SIG_DFL, OnBrokenPipe);
   previousVariable_ = Environment(kVariable);
   setenv(kVariable, file_.c_str(), 1);
   path_ = ToUtf16(kRunPath);
@@ -103,6 +118,7 @@ bool SettingsForRun::Store(const std::vector<SettingValue> &values, std::string 
 void SettingsForRun::Remove() {
   if (file_.empty()) return;
   unlink(file_.c_str());
+  ReplacePipeHandler(OnBrokenPipe, SIG_DFL);
   fileInUse[0] = 0;
   if (previousVariable_.empty()) {
     unsetenv(kVariable);

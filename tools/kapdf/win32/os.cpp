@@ -3,6 +3,7 @@
 #include <io.h>
 #include <windows.h>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 
@@ -32,6 +33,8 @@ std::string ProgramFolder() {
 }
 
 std::string ModuleFileName() { return "kaPDF.dll"; }
+
+std::vector<int> StopSignals() { return {SIGINT, SIGTERM, SIGBREAK}; }
 
 bool ErrorStreamIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
