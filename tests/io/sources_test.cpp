@@ -121,7 +121,8 @@ TEST(Sources, BlocksAreReadFromDiskOnce) {
 }
 
 TEST(Sources, OpenByPath) {
-  const test::TempFile file("ab");
+  test::TempFile file("ab");
+  file.Close();
   CZVMemoryFileRead blocks(4, kPath);
   EXPECT_FALSE(blocks.Open(u"", "rb"));
   EXPECT_FALSE(blocks.Open(u"no-such-file", "rb"));

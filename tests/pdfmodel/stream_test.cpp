@@ -36,26 +36,20 @@ Outcome ReadStream(CPDFFile &file, int32_t number = 5) {
 TEST(Streams, FiltersLengthsAndLineEnds) {
   const std::string flate = Deflate("Hello"), a85 = "Gb\"@rc,n'4!!S;^o`~>";
   const auto length = [](const std::string &data) { return " /Length " + std::to_string(data.size()); };
+  // clang-format off
   const struct {
     std::string entries, behind;  // of the dictionary
     int parsed;
     std::string data;
   } cases[] = {
-      {"/Length 3", "stream\nabc", 0, "abc"},
-      {"/Length 3", "stream\r\nabc", 0, "abc"},
+      {"/Length 3", "stream\nabc", 0, "abc"}, {"/Length 3", "stream\r\nabc", 0, "abc"},
       {"/Length 3", "stream\rabc", 0, "abc"},
       {"/Length 3", "stream abc", 0, "abc"},  // one byte, whatever it is
-      {"/Length 3", " \n stream\n\nbc", 0, "\nbc"},
-      {"/Length 3", "strean\nabc", -1, ""},
-      {"/Length 3 /Filter /DCTDecode", "other", -1, ""},
-      {"/Length 0", "stream\nabc", 1, ""},
-      {"/Length -4", "stream\nabc", 1, ""},
-      {"", "stream\nabc", 1, ""},
-      {"/Length (3)", "stream\nabc", 1, ""},
-      {"/Length 6 0 R", "stream\nabc", 0, "abc"},
-      {"/Length 77 0 R", "stream\nabc", 1, ""},
-      {"/Length 3 /Filter []", "stream\nabc", 0, "abc"},
-      {"/Length 3 /Filter 6 0 R", "stream\nabc", 0, "abc"},
+      {"/Length 3", " \n stream\n\nbc", 0, "\nbc"}, {"/Length 3", "strean\nabc", -1, ""},
+      {"/Length 3 /Filter /DCTDecode", "other", -1, ""}, {"/Length 0", "stream\nabc", 1, ""},
+      {"/Length -4", "stream\nabc", 1, ""}, {"", "stream\nabc", 1, ""}, {"/Length (3)", "stream\nabc", 1, ""},
+      {"/Length 6 0 R", "stream\nabc", 0, "abc"}, {"/Length 77 0 R", "stream\nabc", 1, ""},
+      {"/Length 3 /Filter []", "stream\nabc", 0, "abc"}, {"/Length 3 /Filter 6 0 R", "stream\nabc", 0, "abc"},
       {"/Length 3 /Filter /DCTDecode", "stream\nabc", 1, ""},
       {"/Filter /FlateDecode" + length(flate), "stream\n" + flate, 0, "Hello"},
       {"/Filter /Fl /Length 1", "stream\n" + flate, 0, "Hello"},
@@ -67,6 +61,7 @@ TEST(Streams, FiltersLengthsAndLineEnds) {
       {"/Filter /ASCII85Decode /Length 9", "stream\n87cURDZ~>", 0, "Hello"},
       {"/Filter /Fl /DecodeParms [null null]" + length(flate), "stream\n" + flate, 1, "Hello"},
   };
+  // clang-format on
   for (const auto &c : cases) {
     test::OpenedPdf pdf(test::PagesOf({"n"}).Object(5, "<<" + c.entries + ">>" + c.behind).Object(6, "3").Build());
     ASSERT_EQ(pdf.result, 0u);
@@ -113,24 +108,23 @@ TEST(Streams, ParametersAndSingleReads) {
 
 TEST(Streams, UndoRows) {
   using namespace std::string_literals;
+  // clang-format off
   const struct {
     std::string rows;
     int predictor, columns;
     std::string bytes;
   } cases[] = {
-      {"\2\1\2\2\1\1\2\0\3"s, 12, 2, "\1\2\2\3\2\6"s},
-      {"\1\1\1\1\1\5"s, 10, 2, "\1\2\1\6"s},
+      {"\2\1\2\2\1\1\2\0\3"s, 12, 2, "\1\2\2\3\2\6"s}, {"\1\1\1\1\1\5"s, 10, 2, "\1\2\1\6"s},
       {"\2\1\1\1\5\5\2\1\1"s, 2, 2, "\1\1\5\12\6\13"s},
       {"\2\1\2\3\7\7\4\7\7\2\1\1"s, 15, 2, "\1\2\2\3"s},  // tags above 2 write nothing
-      {"\0\7\7"s, 15, 2, ""s},                            // nor does tag 0,
-      {"\0\7\7\2\1\1"s, 15, 2, "\1\10"s},                 // which leaves the start of the bytes as the row above
+      {"\0\7\7"s, 15, 2, ""s},  // nor does tag 0,
+      {"\0\7\7\2\1\1"s, 15, 2, "\1\10"s},  // which leaves the start of the bytes as the row above
       {"\2\1\2\0\7\7\2\1\1"s, 15, 2, "\1\2\2\3"s},
       {"\2\1\2\2\1"s, 12, 2, "\1\2"s},  // a row cut short is dropped
-      {"\2\1"s, 12, 2, ""s},
-      {"\2\1\2"s, 1, 2, "\2\1\2"s},
-      {"\2\1\2"s, 12, 0, "\2\1\2"s},
+      {"\2\1"s, 12, 2, ""s}, {"\2\1\2"s, 1, 2, "\2\1\2"s}, {"\2\1\2"s, 12, 0, "\2\1\2"s},
       {"\2\1\2"s, 12, 2147483647, ""s},
   };
+  // clang-format on
   for (const auto &c : cases) {
     std::string bytes = c.rows;
     bytes.resize(UndoRows({reinterpret_cast<uint8_t *>(bytes.data()), bytes.size()}, c.predictor, c.columns));

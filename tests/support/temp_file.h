@@ -20,10 +20,15 @@ class TempFile {
   TempFile(const TempFile &) = delete;
   TempFile &operator=(const TempFile &) = delete;
   ~TempFile() {
-    std::fclose(stream_);
+    Close();
     std::remove(path_.c_str());
   }
 
+  // Leaves the file to whoever opens it by path.
+  void Close() {
+    if (stream_) std::fclose(stream_);
+    stream_ = nullptr;
+  }
   std::FILE *stream() const { return stream_; }
   const std::string &path() const { return path_; }  // ASCII
   std::u16string path16() const { return {path_.begin(), path_.end()}; }
