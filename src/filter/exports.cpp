@@ -8,7 +8,8 @@ namespace {
 
 FilterObject *Create(const char16_t *registryPath, bool writing) {
   try {
-    return reinterpret_cast<FilterObject *>(static_cast<kapdf::CZVFilter *>(new kapdf::CPDFFilter(registryPath, writing)));
+    return reinterpret_cast<FilterObject *>(
+        static_cast<kapdf::CZVFilter *>(new kapdf::CPDFFilter(registryPath, writing)));
   } catch (...) {
     return nullptr;
   }

@@ -59,8 +59,10 @@ void CPDFFilter::ReadSettings() {
 
 // A writer that nobody closed is not finished: its file stays as it is.
 void CPDFFilter::Destroy(uint32_t deleteFlag) {
-  if (deleteFlag & 1) delete this;
-  else this->~CPDFFilter();
+  if (deleteFlag & 1)
+    delete this;
+  else
+    this->~CPDFFilter();
 }
 
 uint32_t CPDFFilter::Close() {

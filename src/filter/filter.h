@@ -14,8 +14,8 @@
 
 namespace kapdf {
 
-// The generic base with a harmless default for every operation. Its virtual functions, in this order, are the contract's
-// table; there is no virtual destructor, since compilers disagree on how many slots one takes.
+// The generic base with a harmless default for every operation. Its virtual functions, in this order, are the
+// contract's table; there is no virtual destructor, since compilers disagree on how many slots one takes.
 class CZVFilter {
  public:
   virtual void Destroy(uint32_t deleteFlag) = 0;

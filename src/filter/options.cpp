@@ -31,13 +31,20 @@ bool TakeColorCompression(const std::string &text, int32_t &value) {
   if (!at) return true;
   switch (*at) {
     case '0':
-    case 'U': value = 2; return true;
+    case 'U':
+      value = 2;
+      return true;
     case '1':
     case 'D':
-    case 'J': value = 1; return true;
+    case 'J':
+      value = 1;
+      return true;
     case '2':
-    case 'L': value = 0; return true;
-    default: return false;
+    case 'L':
+      value = 0;
+      return true;
+    default:
+      return false;
   }
 }
 

@@ -1,5 +1,5 @@
-// The option strings of `OpenRead` and `OpenWrite`. Each option is found by a search for its word with the blank behind it, in
-// any order and anywhere in the text, upper and lower case told apart.
+// The option strings of `OpenRead` and `OpenWrite`. Each option is found by a search for its word with the blank behind
+// it, in any order and anywhere in the text, upper and lower case told apart.
 #pragma once
 
 #include <cstdint>

@@ -43,7 +43,8 @@ uint32_t CPDFFilter::StartWriter(const char16_t *path, FileInfo &info) {
 }
 
 // A writer whose start did not run is never finished; the file stays as it was opened.
-uint32_t CPDFFilter::OpenWrite(const char16_t *path, FileInfo *info, ProgressObject *progress, const char16_t *options) {
+uint32_t CPDFFilter::OpenWrite(const char16_t *path, FileInfo *info, ProgressObject *progress,
+                               const char16_t *options) {
   uint32_t result = FilterCannotWrite;
   try {
     Close();
@@ -64,9 +65,12 @@ uint32_t CPDFFilter::WriteElement(ElementRecord *record) {
   if (!writer_) return FilterNotOpen;
   try {
     switch (record->kind) {
-      case ElemNone: return FilterOk;
-      case ElemEndOfPage: return writer_->EndPage();
-      case ElemRasterHeader: return writer_->OpenRaster(*record);
+      case ElemNone:
+        return FilterOk;
+      case ElemEndOfPage:
+        return writer_->EndPage();
+      case ElemRasterHeader:
+        return writer_->OpenRaster(*record);
       case ElemRasterRows: {
         const uint32_t result = writer_->WriteRow(*record);
         ProgressObject *progress = record->progress;
@@ -75,7 +79,8 @@ uint32_t CPDFFilter::WriteElement(ElementRecord *record) {
         return sectionStack_.back() == 3 || IsDrawingSection(sectionStack_.back()) ? DispatchElement(*record)
                                                                                    : FilterCancelled;
       }
-      default: return DispatchElement(*record);
+      default:
+        return DispatchElement(*record);
     }
   } catch (...) {
     return FilterNotAvailable;
