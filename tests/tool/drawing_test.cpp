@@ -61,6 +61,8 @@ TEST(Dashes, CutEveryKindAlongItsLength) {
       {"{\"kind\":\"line\",\"points\":[[0,0],[4,0]]}", {3, -2}, "0,0-3,0 "},
       // A pattern may begin with a gap, and a dot is drawn as long as the line is wide.
       {"{\"kind\":\"line\",\"width\":0.5,\"points\":[[0,0],[0,6]]}", {-2, 1, -1, 0}, "0,2-0,3 0,4-0,4.5 "},
+      // One of no length at all leaves the line whole.
+      {"{\"kind\":\"line\",\"points\":[[0,0],[4,0]]}", {}, "0,0-4,0 "},
       // The pattern goes on round the corner, and the corner is in the piece.
       {"{\"kind\":\"polyline\",\"points\":[[0,0],[4,0],[4,4]]}", {3, -1.5}, "0,0-3,0 4,0.5-4,3.5 "},
       {"{\"kind\":\"polyline\",\"points\":[[0,0],[4,0],[4,4]]}", {5, -1}, "0,0-4,0-4,1- 4,2-4,4 "},

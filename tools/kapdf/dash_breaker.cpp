@@ -22,7 +22,7 @@ std::vector<Dash> DashesAlong(const DashPattern &pattern, double length, double 
   double period = 0;
   for (const double segment : pattern) period += std::abs(segment);
   std::vector<Dash> dashes;
-  tooMany = !(length / period * static_cast<double>(pattern.size()) <= static_cast<double>(kMostPieces));
+  tooMany = period == 0 || !(length / period * static_cast<double>(pattern.size()) <= static_cast<double>(kMostPieces));
   if (tooMany) return dashes;
   for (double start = 0; start < length; start += period) {
     double at = start;

@@ -17,7 +17,7 @@ DashPattern PatternOf(const LineTypeDefPayload &lineType);
 
 enum class DashResult {
   kBroken,   // every piece went out
-  kPlain,    // the pattern is too fine for the element (above 100,000 pieces): it went out in one piece
+  kPlain,    // the pattern is empty or too fine for the element (above 100,000 pieces): it went out in one piece
   kStopped,  // `send` answered false
   kNotMine   // not an element that can be broken
 };

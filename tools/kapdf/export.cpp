@@ -154,7 +154,7 @@ class DrawingWriter {
     const auto pattern = tables_.patterns.find(element_.styleName);
     DashResult result = DashResult::kNotMine;
     bool accepted = true;
-    if (pattern != tables_.patterns.end() && !pattern->second.empty()) {
+    if (pattern != tables_.patterns.end()) {
       result = BreakIntoDashes(element_, pattern->second, [&](ElementRecord &piece) {
         accepted = accepted && filter_.table().WriteElement(filter_.get(), &piece) == FilterOk;
         return !InterruptGuard::Requested();
@@ -226,7 +226,7 @@ Outcome RunExport(const Session &session, const ExportRequest &request) {
   std::ostream &err = session.streams.err;
   if (!session.quiet) err << "kapdf: " << request.output << ": " << writer.written().Tell() << "\n";
   if (!writer.drawnPlain().empty()) {
-    err << "kapdf: drawn without dashes, which are too fine: " << writer.drawnPlain().Tell() << "\n";
+    err << "kapdf: drawn without dashes, which are too fine or have no length: " << writer.drawnPlain().Tell() << "\n";
   }
   if (!writer.refused().empty()) err << "kapdf: the module does not draw: " << writer.refused().Tell() << "\n";
   return {};
