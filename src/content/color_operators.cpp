@@ -44,13 +44,17 @@ bool Interpreter::ScanCmyk(const Statement &statement, uint32_t &packed) {
   return true;
 }
 
-// Components behind those that the kind takes, and names of patterns, have no effect.
+// Too few components change nothing; those behind the ones that the kind takes and names of patterns have no effect.
 bool Interpreter::ScanByKind(const Statement &statement, ColorKind kind, uint32_t &packed) {
   switch (kind) {
-    case ColorKind::kRgb: return ScanRgb(statement, packed);
-    case ColorKind::kGray: return ScanGray(statement, packed);
-    case ColorKind::kCmyk: return ScanCmyk(statement, packed);
-    case ColorKind::kResource: break;
+    case ColorKind::kRgb:
+      return ScanRgb(statement, packed);
+    case ColorKind::kGray:
+      return ScanGray(statement, packed);
+    case ColorKind::kCmyk:
+      return ScanCmyk(statement, packed);
+    case ColorKind::kResource:
+      break;
   }
   return false;
 }
@@ -71,15 +75,17 @@ bool Interpreter::ScanCmykWhole(const Statement &statement, uint32_t &packed) {
 
 Flow Interpreter::SetStroke(ColorKind kind, const Statement &statement) {
   uint32_t packed;
+  if (!ScanByKind(statement, kind, packed)) return Flow::kNext;
   state_.strokeKind = kind;
-  if (ScanByKind(statement, kind, packed)) state_.strokeColor = CodeFromPacked(packed);
+  state_.strokeColor = CodeFromPacked(packed);
   return Flow::kNext;
 }
 
 Flow Interpreter::SetFill(ColorKind kind, const Statement &statement, uint32_t white) {
   uint32_t packed;
+  if (!ScanByKind(statement, kind, packed)) return Flow::kNext;
   state_.fillKind = kind;
-  if (ScanByKind(statement, kind, packed)) state_.fillColor = CodeFromPacked(packed, white);
+  state_.fillColor = CodeFromPacked(packed, white);
   return Flow::kNext;
 }
 
@@ -104,11 +110,13 @@ Flow Interpreter::FillColorInText(const Statement &s) {
 
 // A name that is none of the device spaces leaves the kind as it is.
 void Interpreter::SelectColorSpace(const Statement &statement, ColorKind &kind) {
-  std::string_view name(statement.text);
-  name = name.substr(0, name.find_first_of(" \t\r\n\v\f"));
-  if (name == "/DeviceGray") kind = ColorKind::kGray;
-  else if (name == "/DeviceRGB") kind = ColorKind::kRgb;
-  else if (name == "/DeviceCMYK") kind = ColorKind::kCmyk;
+  const std::string_view name = statement.Word();
+  if (name == "/DeviceGray")
+    kind = ColorKind::kGray;
+  else if (name == "/DeviceRGB")
+    kind = ColorKind::kRgb;
+  else if (name == "/DeviceCMYK")
+    kind = ColorKind::kCmyk;
 }
 
 Flow Interpreter::StrokeColorSpace(const Statement &statement) {

@@ -40,23 +40,24 @@ bool CPDFContentStream::FillBuffer() {
 
 bool CPDFContentStream::LoadNextStream() {
   if (parent) return false;  // a form is one stream, already loaded
-  length_ = position_ = 0;
+  length_ = position_ = noPlainBefore_ = 0;
+  lineStart_ = kNoLine;
   if (!contents_) contents_ = owner_ ? owner_->GetAs<CPDFArray>("Contents") : nullptr;
   if (contents_) {
     streamCount_ = contents_->Count();
     if (nextStream_ >= streamCount_) return false;
     const auto *reference = dynamic_cast<const CPDFIndirectObject *>(contents_->GetAt(nextStream_++));
-    return reference && ReadStreamBytes(reference->objectNumber);
+    return reference && ReadStreamBytes(reference->objectNumber, nextStream_);
   }
   const auto *lone = owner_ ? owner_->GetAs<CPDFIndirectObject>("Contents") : nullptr;
   if (!lone || loneStreamDone_) return false;
   loneStreamDone_ = true;
   nextStream_ = streamCount_ = 1;
-  return ReadStreamBytes(lone->objectNumber) || LoadArrayInPlace(lone->objectNumber);
+  return ReadStreamBytes(lone->objectNumber, 0) || LoadArrayInPlace(lone->objectNumber);
 }
 
-// The reference led to an array in place of a stream: it becomes the list of streams, and its first one is loaded. An array
-// inside it does not count.
+// The reference led to an array in place of a stream: it becomes the list of streams, and its first one is loaded. An
+// array inside it does not count.
 bool CPDFContentStream::LoadArrayInPlace(int32_t objectNumber) {
   uint8_t firstChar;
   if (!OpenObject(objects_, objectNumber, firstChar)) return false;
@@ -68,7 +69,7 @@ bool CPDFContentStream::LoadArrayInPlace(int32_t objectNumber) {
   return LoadNextStream();
 }
 
-bool CPDFContentStream::ReadStreamBytes(int32_t objectNumber) {
+bool CPDFContentStream::ReadStreamBytes(int32_t objectNumber, uint32_t index) {
   buffer_.Clear();
   uint8_t firstChar;
   if (!OpenObject(objects_, objectNumber, firstChar)) return false;
@@ -78,7 +79,7 @@ bool CPDFContentStream::ReadStreamBytes(int32_t objectNumber) {
   buffer_.Resize(length_ + 1);
   buffer_.ShrinkToFit();
   buffer_.data()[length_] = 0;
-  if (diagnostics_) DumpContent(nextStream_, {buffer_.data(), length_});
+  if (diagnostics_) DumpContent(index, {buffer_.data(), length_});
   return true;
 }
 

@@ -56,26 +56,33 @@ class CPDFContentStream {
   LineStyles lineStyles;
 
  private:
+  static constexpr size_t kNoLine = SIZE_MAX;
+
   const uint8_t *bytes() const { return buffer_.data(); }
   uint8_t *bytes() { return buffer_.data(); }
   bool FillBuffer();
   bool LoadNextStream();
   bool LoadLoneStream(const CPDFIndirectObject &reference);
   bool LoadArrayInPlace(int32_t objectNumber);
-  bool ReadStreamBytes(int32_t objectNumber);
+  // `index`: for the name of the diagnostic file.
+  bool ReadStreamBytes(int32_t objectNumber, uint32_t index);
   // Reads up to the end of a statement or of the stream; true when the statement is whole.
-  bool ScanStatement(ScanMode mode, size_t &count);
-  void CutAtLastOperator(size_t &count);
+  bool ScanStatement(ScanMode mode, size_t most, size_t &count);
+  bool CutAtLastOperator(size_t most, size_t &count);
+  char *EndStatement(size_t count, bool withoutFirst);
+  void SkipWhiteSpace();
   void MoveBack(size_t count) { position_ -= count < position_ ? count : position_; }
 
   ObjectLocator &objects_;
   std::unique_ptr<CPDFDictionary> owner_;
   std::unique_ptr<CPDFArray> ownContents_;  // `Contents` when it came through a reference
   const CPDFArray *contents_ = nullptr;
-  ByteBuffer buffer_;   // the decoded stream and one zero
+  ByteBuffer buffer_;  // the decoded stream and one zero
   size_t length_ = 0;
   size_t position_ = 0;
-  uint32_t nextStream_ = 0;  // counts from 1 for the stream just loaded
+  size_t lineStart_ = kNoLine;  // of the line, as long as only plain statements were taken from it
+  size_t noPlainBefore_ = 0;    // no plain statement starts ahead of this position
+  uint32_t nextStream_ = 0;     // counts from 1 for the stream just loaded
   uint32_t streamCount_ = 0;
   bool loneStreamDone_ = false;
   bool ended_ = false;

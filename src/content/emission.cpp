@@ -74,8 +74,8 @@ void Interpreter::EmitStroke() {
   StartRecord(ElemPolyline, state_.strokeColor, block, sizeof(PolylinePayload) + values * sizeof(double));
 }
 
-// True when two contours that follow each other go round in opposite directions. The area that is remembered is cut to a whole
-// number of square millimetres, so a contour below one turns the test off for the next.
+// True when two contours that follow each other go round in opposite directions. The area that is remembered is cut to
+// a whole number of square millimetres, so a contour below one turns the test off for the next.
 bool Interpreter::ContoursTurnBothWays() const {
   double before = 0;
   for (size_t i = 0; paths_.count() > 1 && i < paths_.count(); ++i) {
@@ -127,8 +127,8 @@ void Interpreter::EmitCompoundPolygon() {
   }
 }
 
-// One contour, in list order. One of fewer than three points, left open by an earlier subpath, is dropped. False when no
-// contour was left.
+// One contour, in list order. One of fewer than three points, left open by an earlier subpath, is dropped. False when
+// no contour was left.
 bool Interpreter::EmitPolygon() {
   while (pendingPaths_ > 0) {
     const size_t index = nextPolygon_++;

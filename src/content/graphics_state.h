@@ -11,9 +11,9 @@ namespace kapdf {
 enum class ColorKind { kRgb = 0, kGray = 1, kCmyk = 2, kResource = 3 };
 
 struct GraphicsState {
-  Affine ctm;                    // to page coordinates, points
-  double lineWidth = 1.0;        // PDF units
-  uint32_t strokeColor = 256;    // colour codes; 256 is unset
+  Affine ctm;                  // to page coordinates, points
+  double lineWidth = 1.0;      // PDF units
+  uint32_t strokeColor = 256;  // colour codes; 256 is unset
   uint32_t fillColor = 256;
   ColorKind strokeKind = ColorKind::kRgb;
   ColorKind fillKind = ColorKind::kRgb;

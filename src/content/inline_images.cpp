@@ -62,8 +62,10 @@ void Interpreter::PassImageKey(char *text) {
   } else if (*at == '(') {
     SkipLiteralString(at);
   } else if (*at == '<') {
-    if (at[1] == '<') SkipDictionary(at);
-    else SkipHexString(at);
+    if (at[1] == '<')
+      SkipDictionary(at);
+    else
+      SkipHexString(at);
   } else {
     SkipWord(at);
   }

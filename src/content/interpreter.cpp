@@ -101,7 +101,7 @@ Flow Interpreter::RunStatements() {
 // One statement. A plain one is taken from where it stands; any other goes through the statement buffer.
 Flow Interpreter::RunOne(bool &ended) {
   PlainStatement plain;
-  if (!remainder_ && !textMode_ && context_->ReadPlain(plain)) {
+  if (!remainder_ && !textMode_ && settings_.plainStatements && context_->ReadPlain(plain)) {
     return Dispatch(plain.number, Statement{nullptr, &plain});
   }
   char *text = NextText(textMode_ ? ScanMode::kText : ScanMode::kGraphics);
@@ -111,8 +111,8 @@ Flow Interpreter::RunOne(bool &ended) {
   }
   const uint8_t number = FindOperator(text, remainder_);
   if (number == 0) {
-    // A line end may have broken a statement inside an operand: the line behind it is read together with it. Where there
-    // is none, the statement is dropped.
+    // A line end may have broken a statement inside an operand: the line behind it is read together with it. Where
+    // there is none, the statement is dropped.
     if (!remainder_ && *text) context_->RejoinLine(std::strlen(text));
     return Flow::kNext;
   }

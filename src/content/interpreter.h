@@ -25,10 +25,12 @@ struct InterpreterSettings {
   bool clipping = true;         // points outside the page's box are dropped
   bool convertPoly = true;      // smooth polylines may become circles, arcs and ellipses
   double fitTolerance = 0.002;  // of that recognition
+  bool plainStatements =
+      true;  // numbers before an operator are taken straight from the content; the result is the same
 };
 
-// All state lives here between two calls, so that the depth of the machine's stack never depends on the file. Records are
-// filled with millimetres; what they point to stays valid until the next call.
+// All state lives here between two calls, so that the depth of the machine's stack never depends on the file. Records
+// are filled with millimetres; what they point to stays valid until the next call.
 class Interpreter {
  public:
   Interpreter(PageToRead page, const InterpreterSettings &settings);
@@ -143,13 +145,13 @@ class Interpreter {
   std::u16string currentLineStyle_ = u"Continuous";  // not part of the saved state
 
   PathList paths_;
-  size_t nextPolygon_ = 0;       // the first path that was not handed out as a polygon of its own
+  size_t nextPolygon_ = 0;  // the first path that was not handed out as a polygon of its own
   int64_t pendingPaths_ = kIdle;
   Pass pass_ = Pass::kStroke;
-  bool compound_ = false;        // contours form one polygon
+  bool compound_ = false;  // contours form one polygon
   bool alsoStroke_ = false;
   bool contoursChecked_ = false;
-  bool closeContours_ = false;   // paths go out closed: they were the contours of one polygon before
+  bool closeContours_ = false;  // paths go out closed: they were the contours of one polygon before
 
   ElementRecord *record_ = nullptr;  // of the call under way
   RecordBlocks blocks_;

@@ -96,7 +96,8 @@ struct Index {
   constexpr Index() {
     for (const OperatorRow &row : kOperators) {
       if (row.text.size() == 1) one[static_cast<size_t>(row.text[0])] = row.number;
-      if (row.text.size() == 2) two[static_cast<size_t>(row.text[0]) * 128 + static_cast<size_t>(row.text[1])] = row.number;
+      if (row.text.size() == 2)
+        two[static_cast<size_t>(row.text[0]) * 128 + static_cast<size_t>(row.text[1])] = row.number;
       outside[row.number] = row.outside;
       inside[row.number] = row.inside;
     }
@@ -107,9 +108,24 @@ constexpr Index kIndex;
 // Operators that take a name, a string, an array or the bytes behind them.
 constexpr bool TakesMoreThanNumbers(uint8_t number) {
   switch (number) {
-    case 14: case 15: case 16: case 17: case 18: case 19: case 30: case 39: case 40:
-    case 48: case 49: case 50: case 51: case 52: case 54: return true;
-    default: return false;
+    case 14:
+    case 15:
+    case 16:
+    case 17:
+    case 18:
+    case 19:
+    case 30:
+    case 39:
+    case 40:
+    case 48:
+    case 49:
+    case 50:
+    case 51:
+    case 52:
+    case 54:
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -128,13 +144,15 @@ uint8_t FindOperatorNumber(const char *text, size_t length) {
 }
 
 uint8_t FindPlainOperator(char first) {
-  const uint8_t number = first > ' ' && first != '%' ? kIndex.one[static_cast<size_t>(first)] : 0;
+  const auto byte = static_cast<unsigned char>(first);
+  const uint8_t number = byte < 128 && first != '%' ? kIndex.one[byte] : 0;
   return TakesMoreThanNumbers(number) ? 0 : number;
 }
 
 uint8_t FindPlainOperator(char first, char second) {
-  if (first <= ' ' || second <= ' ') return 0;
-  const uint8_t number = kIndex.two[static_cast<size_t>(first) * 128 + static_cast<size_t>(second)];
+  const auto a = static_cast<unsigned char>(first), b = static_cast<unsigned char>(second);
+  if (a >= 128 || b >= 128) return 0;
+  const uint8_t number = kIndex.two[a * 128u + b];
   // Of the ignored ones only W* cannot stand beside a name or binary data.
   if (TakesMoreThanNumbers(number) || (number == 1 && second != '*')) return 0;
   return number;

@@ -27,6 +27,9 @@ struct OperatorRow {
   OperatorHandler inside;
 };
 
+inline constexpr uint8_t kOpSaveState = 2;
+inline constexpr uint8_t kOpRestoreState = 3;
+inline constexpr uint8_t kOpRectangle = 38;
 inline constexpr uint8_t kOpEndText = 15;
 inline constexpr uint8_t kOpEndImage = 49;
 inline constexpr int kOperatorNumbers = 55;

@@ -9,8 +9,8 @@
 
 namespace kapdf {
 
-// All points stand in one array, path behind path; the current one is its end. So a path costs little more than its points, and
-// the contours of a polygon already lie as the host gets them.
+// All points stand in one array, path behind path; the current one is its end. So a path costs little more than its
+// points, and the contours of a polygon already lie as the host gets them.
 class PathList {
  public:
   // The current path: values (twice the points) and its points.

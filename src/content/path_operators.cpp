@@ -32,8 +32,10 @@ void Interpreter::AppendPoint(double x, double y) {
 }
 
 void Interpreter::StartSubpath() {
-  if (paths_.currentSize() > 2) paths_.Finish();
-  else paths_.EmptyCurrent();
+  if (paths_.currentSize() > 2)
+    paths_.Finish();
+  else
+    paths_.EmptyCurrent();
 }
 
 Flow Interpreter::MoveTo(const Statement &statement) {
@@ -51,7 +53,7 @@ Flow Interpreter::LineTo(const Statement &statement) {
 }
 
 Flow Interpreter::ClosePath(const Statement &) {
-  if (paths_.currentSize() >= 4) paths_.AppendFirst();
+  if (paths_.currentSize() >= 4 && paths_.points() < limits::kPathPoints) paths_.AppendFirst();
   return Flow::kNext;
 }
 
@@ -137,19 +139,19 @@ bool Interpreter::RebuildRectangle(const Statement &statement) {
   const size_t lastWord = rest.find_last_of(' ');
   rest.resize(lastWord == std::string::npos ? 0 : lastWord);
   char *remainder = nullptr;
-  constexpr uint8_t kRectangle = 38;
-  if (FindOperator(rest.data(), remainder) != kRectangle) return false;
+  if (FindOperator(rest.data(), remainder) != kOpRectangle) return false;
   double v[4];
   if (Statement{rest.c_str(), nullptr}.Reals(v, 4) != 4) return false;
   AppendRectangle(v);
   return true;
 }
 
-// The way from `f` to `b*`: each paints like the one before and sets one flag more. Every operator of the B family makes one
+// The way from `f` to `b*`: each paints like the one before and sets one flag more; what a dropped paint
+// has set holds for the next one too, as long as no record has gone out. Every operator of the B family makes one
 // even-odd polygon of all its contours, also those that ask for non-zero winding.
 Flow Interpreter::PaintFill(const Statement &statement, bool compound, bool stroke) {
-  compound_ = compound;
-  alsoStroke_ = stroke;
+  compound_ |= compound;
+  alsoStroke_ |= stroke;
   if (paths_.currentSize() == 0) RebuildRectangle(statement);
   if (paths_.currentSize() >= 6) {
     if (!IsClosed(paths_.current())) paths_.AppendFirst();

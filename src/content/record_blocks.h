@@ -1,5 +1,5 @@
-// The memory behind the records that the interpreter hands out. Each kind has storage of its own, so that chained records never
-// share any; a block stays as it is until the next record of its kind.
+// The memory behind the records that the interpreter hands out. Each kind has storage of its own, so that chained
+// records never share any; a block stays as it is until the next record of its kind.
 #pragma once
 
 #include <cstring>

@@ -22,8 +22,8 @@ struct ExtGState {
 // The resources of one page or form. Each table is read when something in it is first asked for.
 class PageResources {
  public:
-  // `owner`: the page or stream dictionary whose `Resources` counts, or null; it must outlive the object. Resources of the
-  // tree above a page are not looked at.
+  // `owner`: the page or stream dictionary whose `Resources` counts, or null; it must outlive the object. Resources of
+  // the tree above a page are not looked at.
   PageResources(ObjectLocator &objects, const CPDFDictionary *owner) : objects_(objects), owner_(owner) {}
 
   // Null when this holder has none of that name. The first of equal names counts.
@@ -49,16 +49,16 @@ class LineStyles {
     std::u16string name;  // "D1", "D2", ...
     std::string pattern;
   };
-  // The style of a dash pattern's text, and whether it is new. The pattern is the text between the brackets. The pointer
-  // stays valid as long as the object lives.
+  // The style of a dash pattern's text, and whether it is new. The pattern is the text between the brackets. The
+  // pointer stays valid as long as the object lives.
   std::pair<const Entry *, bool> Find(std::string_view pattern);
 
  private:
   std::unordered_map<std::string, std::unique_ptr<Entry>> entries_;
 };
 
-// Fills a line type's definition from a dash pattern in PDF units: dashes above zero, gaps below. More segments than the
-// structure holds are counted and not stored.
+// Fills a line type's definition from a dash pattern in PDF units: dashes above zero, gaps below. More segments than
+// the structure holds are counted and not stored.
 void FillLineType(std::string_view pattern, LineTypeDefPayload &lineType);
 
 }  // namespace kapdf

@@ -5,7 +5,7 @@
 namespace kapdf {
 namespace {
 
-constexpr size_t kWordBytes = 7;
+constexpr size_t kOperatorBytes = 3;
 
 void SkipPast(char *&at, char close) {
   while (*at && *at != close) {
@@ -19,9 +19,12 @@ void SkipPast(char *&at, char close) {
 bool SkipArray(char *&at) {
   ++at;
   while (*at && *at != ']') {
-    if (*at == '(') SkipLiteralString(at);
-    else if (*at == '<') SkipHexString(at);
-    else at += *at == '\\' && at[1] ? 2 : 1;
+    if (*at == '(')
+      SkipLiteralString(at);
+    else if (*at == '<')
+      SkipHexString(at);
+    else
+      at += *at == '\\' && at[1] ? 2 : 1;
   }
   if (!*at) return false;
   ++at;
@@ -30,9 +33,10 @@ bool SkipArray(char *&at) {
 
 bool EndsWord(char c) { return c == 0 || c == ' ' || c == '[' || c == '(' || c == '<'; }
 
-size_t WordLength(const char *text) {
+// `most`: longer ones are not told apart.
+size_t WordLength(const char *text, size_t most = SIZE_MAX) {
   size_t length = 0;
-  while (!EndsWord(text[length]) && !(text[length] == '/' && length > 0)) ++length;
+  while (length < most && !EndsWord(text[length]) && !(text[length] == '/' && length > 0)) ++length;
   return length;
 }
 
@@ -63,15 +67,17 @@ uint8_t FindOperator(char *text, char *&remainder) {
     if (*at == '(') {
       SkipLiteralString(at);
     } else if (*at == '<') {
-      if (at[1] == '<') SkipDictionary(at);
-      else SkipHexString(at);
+      if (at[1] == '<')
+        SkipDictionary(at);
+      else
+        SkipHexString(at);
     } else if (*at == '[') {
       if (!SkipArray(at)) return 0;
     } else {
       const size_t length = WordLength(at);
       const char *word = at;
       at += length;
-      const uint8_t number = length < 4 && length < kWordBytes ? FindOperatorNumber(word, length) : 0;
+      const uint8_t number = length <= kOperatorBytes ? FindOperatorNumber(word, length) : 0;
       if (number == 0) continue;
       if (*at == ' ' || *at == '\r' || *at == '\n') {
         *at++ = 0;
@@ -86,8 +92,8 @@ uint8_t FindOperator(char *text, char *&remainder) {
 
 bool StartsWithOperator(const char *text) {
   if (EndsWord(*text)) return false;
-  const size_t length = WordLength(text);
-  return length < 4 && FindOperatorNumber(text, length) != 0;
+  const size_t length = WordLength(text, kOperatorBytes + 1);
+  return length <= kOperatorBytes && FindOperatorNumber(text, length) != 0;
 }
 
 }  // namespace kapdf

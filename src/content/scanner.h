@@ -7,15 +7,15 @@
 namespace kapdf {
 
 // The number of the first operator in the text, 0 for none. The text is cut behind it, and `remainder` is set to what
-// follows, or null at the end. Strings, arrays and dictionaries are passed over. A word ends at a blank, a bracket or an
-// inner slash only: a TAB glues words together.
+// follows, or null at the end. Strings, arrays and dictionaries are passed over. A word ends at a blank, a bracket or
+// an inner slash only: a TAB glues words together.
 uint8_t FindOperator(char *text, char *&remainder);
 
 // True when the word that starts at the text is an operator.
 bool StartsWithOperator(const char *text);
 
-// Each moves a cursor past one construct: its opening stands at the cursor. All stop at the end of the text. A string ends at
-// the first ")" that no backslash precedes; nesting is not counted.
+// Each moves a cursor past one construct: its opening stands at the cursor. All stop at the end of the text. A string
+// ends at the first ")" that no backslash precedes; nesting is not counted.
 void SkipLiteralString(char *&at);
 void SkipHexString(char *&at);
 void SkipDictionary(char *&at);

@@ -14,8 +14,10 @@ constexpr size_t kDashText = 1023;
 }  // namespace
 
 void StateStack::Push(const GraphicsState &state) {
-  if (states_.size() < limits::kSavedStates) states_.push_back(state);
-  else ++uncopied_;
+  if (states_.size() < limits::kSavedStates)
+    states_.push_back(state);
+  else
+    ++uncopied_;
 }
 
 void StateStack::Pop(GraphicsState &state) {
@@ -72,12 +74,12 @@ Flow Interpreter::Dash(const Statement &statement) {
   return Flow::kRecord;
 }
 
-// The parameters that the statement names, from the context at hand or the nearest one around it; null when none has them.
+// The parameters that the statement names, from the context at hand or the nearest one around it; null when none has
+// them.
 const ExtGState *Interpreter::FindState(const Statement &statement) {
-  if (*statement.text == 0) return nullptr;
-  std::string_view name(statement.text + 1);  // behind the slash
-  name = name.substr(0, name.find_first_of(" \t\r\n\v\f"));
-  name = name.substr(0, kNameText - 1);
+  std::string_view name = statement.Word().substr(0, kNameText);
+  if (name.empty()) return nullptr;
+  name.remove_prefix(1);  // the slash
   for (CPDFContentStream *context = context_; context; context = context->parent) {
     if (const ExtGState *found = context->resources.FindExtGState(name)) return found;
   }

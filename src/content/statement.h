@@ -1,6 +1,8 @@
 // One statement in a handler's hands.
 #pragma once
 
+#include <string_view>
+
 #include "base/scan.h"
 #include "content/content_stream.h"
 
@@ -23,6 +25,16 @@ struct Statement {
       if (!ScanReal(at, values[i])) return i;
     }
     return wanted;
+  }
+
+  // The first word of the text, empty for plain numbers.
+  std::string_view Word() const {
+    if (plain) return {};
+    const char *at = text;
+    SkipSpaces(at);
+    const char *end = at;
+    while (*end && !IsSpace(static_cast<unsigned char>(*end))) ++end;
+    return {at, static_cast<size_t>(end - at)};
   }
 };
 

@@ -16,6 +16,13 @@ constexpr size_t kMost = CPDFContentStream::kStatementBytes - 1;
 
 bool IsLineEnd(unsigned c) { return c == '\n' || c == '\r'; }
 
+// Behind a number that was given up for its length.
+size_t RunOfDigits(const char *at) {
+  size_t length = 0;
+  while (IsDigit(static_cast<unsigned char>(at[length])) || at[length] == '.') ++length;
+  return length;
+}
+
 bool IsParametersKey(const char *text, size_t count) {
   const std::string_view view(text, count);
   return view == "/DP" || view == "/DecodeParams";
@@ -25,15 +32,18 @@ bool IsParametersKey(const char *text, size_t count) {
 
 // What the byte at hand may do to a statement, in the modes where that matters, is decided here; the plain copying of
 // bytes stays in the loop.
-bool CPDFContentStream::ScanStatement(ScanMode mode, size_t &count) {
+bool CPDFContentStream::ScanStatement(ScanMode mode, size_t most, size_t &count) {
   char *text = statement_.data();
+  const size_t first = count;
   const uint8_t *data = bytes();
   const bool graphics = mode == ScanMode::kGraphics;
   bool imageData = false, parameters = false;
-  while (position_ < length_ && count < kMost) {
+  while (position_ < length_ && count < most) {
     if (mode == ScanMode::kInlineImage) {
-      if (count == 3 && std::memcmp(text, "ID ", 3) == 0) imageData = true;
-      else if (IsParametersKey(text, count)) parameters = true;
+      if (count == 3 && std::memcmp(text, "ID ", 3) == 0)
+        imageData = true;
+      else if (IsParametersKey(text, count))
+        parameters = true;
     }
     const uint8_t c = data[position_];
     if (IsLineEnd(c)) {
@@ -49,7 +59,7 @@ bool CPDFContentStream::ScanStatement(ScanMode mode, size_t &count) {
         continue;
       }
     }
-    if (graphics && c == '%' && count >= 1 && data[position_ - 1] == '%') {
+    if (graphics && c == '%' && count > first && data[position_ - 1] == '%') {
       while (position_ < length_ && !IsLineEnd(data[position_])) ++position_;
       return true;  // "%%" opens a comment; a single "%" does not
     }
@@ -68,41 +78,59 @@ bool CPDFContentStream::ScanStatement(ScanMode mode, size_t &count) {
   return false;
 }
 
+// Behind plain statements of the same line this reads what is left of the line's text, so that a line too long for the
+// buffer is cut where it would be without them. The blank that ended the last one is no part of the text.
 char *CPDFContentStream::ReadStatement(ScanMode mode) {
+  const bool goesOn = lineStart_ < position_ && position_ < length_ && !IsLineEnd(bytes()[position_]);
+  const size_t most = kMost - (goesOn ? position_ - lineStart_ : 0);
+  lineStart_ = kNoLine;
   size_t count = 0;
   for (int joined = 0; joined <= limits::kJoinedStreams; ++joined) {
     if (!FillBuffer()) break;
-    while (position_ < length_ && (IsLineEnd(bytes()[position_]) || bytes()[position_] == ' ' || bytes()[position_] == '\t')) {
-      ++position_;
-    }
+    if (!goesOn || joined > 0) SkipWhiteSpace();
     const size_t saved = count;
-    if (saved > 0 && saved < kMost) statement_[count++] = ' ';
-    const bool whole = ScanStatement(mode, count);
-    if (count == kMost && !whole && mode == ScanMode::kGraphics) CutAtLastOperator(count);
-    if (whole || count >= kMost || position_ < length_) {
-      statement_[count] = 0;
-      return statement_.data();
+    if (saved > 0 && saved < most) statement_[count++] = ' ';
+    const bool whole = ScanStatement(mode, most, count);
+    if (count >= most && !whole && mode == ScanMode::kGraphics && !CutAtLastOperator(most, count) && goesOn) {
+      MoveBack(most);  // the cut is behind the last plain statement
+      return ReadStatement(mode);
+    }
+    if (whole || count >= most || position_ < length_) {
+      return EndStatement(count, goesOn);
     }
     if (count == saved + (saved > 0 ? 1 : 0)) {  // nothing but white space was left of this stream
       count = saved;
       --joined;
     }
   }
-  statement_[count] = 0;
-  return count > 0 ? statement_.data() : nullptr;
+  return count > 0 ? EndStatement(count, goesOn) : nullptr;
 }
 
-// A statement that fills the buffer ends behind the last operator in it; the rest is read again as the next one.
-void CPDFContentStream::CutAtLastOperator(size_t &count) {
+char *CPDFContentStream::EndStatement(size_t count, bool withoutFirst) {
+  statement_[count] = 0;
+  return statement_.data() + (withoutFirst && count > 0 ? 1 : 0);
+}
+
+void CPDFContentStream::SkipWhiteSpace() {
+  const uint8_t *data = bytes();
+  while (position_ < length_ && (IsLineEnd(data[position_]) || data[position_] == ' ' || data[position_] == '\t')) {
+    ++position_;
+  }
+}
+
+// A statement that fills the buffer ends behind the last operator in it; the rest is read again as the next one. False
+// without an operator.
+bool CPDFContentStream::CutAtLastOperator(size_t most, size_t &count) {
   char *text = statement_.data();
   text[count] = 0;
-  for (size_t index = kMost; index-- > 0;) {
+  for (size_t index = most; index-- > 0;) {
     if (!StartsWithOperator(text + index)) continue;
-    while (index < kMost && text[index] != ' ') ++index;
-    MoveBack(kMost - index);
+    while (index < most && text[index] != ' ') ++index;
+    MoveBack(most - index);
     count = index;
-    return;
+    return true;
   }
+  return false;
 }
 
 bool CPDFContentStream::RejoinLine(size_t statementLength) {
@@ -117,13 +145,20 @@ bool CPDFContentStream::RejoinLine(size_t statementLength) {
 }
 
 bool CPDFContentStream::ReadPlain(PlainStatement &statement) {
-  if (position_ >= length_) return false;
-  const char *at = reinterpret_cast<const char *>(bytes()) + position_;
-  while (*at == '\n' || *at == '\r' || *at == ' ' || *at == '\t') ++at;
+  if (position_ >= length_ || position_ < noPlainBefore_) return false;
+  const char *data = reinterpret_cast<const char *>(bytes());
+  const char *at = data + position_;
+  bool newLine = lineStart_ == kNoLine;
+  for (; *at == '\n' || *at == '\r' || *at == ' ' || *at == '\t'; ++at) newLine |= *at < ' ' && *at != '\t';
+  if (newLine) lineStart_ = static_cast<size_t>(at - data);
   int count = 0;
   while (IsDigit(static_cast<unsigned char>(*at)) || *at == '-' || *at == '.' || *at == '+') {
     double value;
-    if (!ScanReal(at, value) || *at != ' ') return false;
+    if (!ScanReal(at, value) || *at != ' ') {
+      // The other reader goes on within a number of endless digits: they are not looked at again each time.
+      noPlainBefore_ = static_cast<size_t>(at - data) + RunOfDigits(at);
+      return false;
+    }
     do ++at;
     while (*at == ' ');
     if (count == PlainStatement::kOperands) return false;
@@ -141,10 +176,14 @@ bool CPDFContentStream::ReadPlain(PlainStatement &statement) {
     number = FindPlainOperator(first, at[1]);
     letters = 2;
   }
-  if (number == 0) return false;
+  const size_t start = static_cast<size_t>(at - data), end = start + letters;
+  if (number == 0 || end - lineStart_ > kMost) return false;
   statement.count = count;
   statement.number = number;
-  position_ = static_cast<size_t>(at + letters - reinterpret_cast<const char *>(bytes()));
+  position_ = end;
+  if (number <= kOpRestoreState && number >= kOpSaveState && (start == lineStart_ || at[-1] == ' ')) {
+    lineStart_ = kNoLine;  // it stands alone: what follows is a statement of its own
+  }
   return true;
 }
 

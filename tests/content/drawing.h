@@ -1,0 +1,36 @@
+// Pages of given content, read to their end, as lines of text.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "content/interpreter.h"
+#include "kapdf/kapdf.h"
+
+namespace kapdf::test {
+
+inline constexpr std::string_view kLetter = "/MediaBox [0 0 612 792]";
+
+// One record without those chained to it: its kind, its colour, its width and its points, in points rounded to 1/1000.
+//   "line 7 w1 0,0 10,0"                 "poly #FF0000 w2 0,0 10,0 10,10"
+//   "fill 7 w1 o100 0,0 10,0 0,0 | ..."  "linetype D1 3 -2 of 2"   "layer PDF"
+// The line style follows in brackets when it is not "Continuous".
+std::string Describe(const ElementRecord &record);
+
+// A page whose content stands in these streams, in an array when there is more than one. `more`: further objects, from
+// number 100 on.
+std::string PageBytes(const std::vector<std::string> &streams, std::string_view pageEntries = kLetter,
+                      const std::vector<std::string> &more = {});
+
+// Everything that the first page of a document gives, from behind the first record on. With `raw` that takes the bytes
+// that a host could copy, less the pointers, and there are no lines.
+std::vector<std::string> ReadPage(std::string_view document, const InterpreterSettings &settings = {},
+                                  std::string *raw = nullptr);
+
+// The same for the content of a page, line by line.
+std::string Drawn(std::string_view content, std::string_view pageEntries = kLetter,
+                  const InterpreterSettings &settings = {});
+std::string Joined(const std::vector<std::string> &lines);
+
+}  // namespace kapdf::test
