@@ -1,0 +1,37 @@
+// fuzz_seeds FOLDER: writes the seeds of every fuzz target.
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "seeds/seeds.h"
+
+namespace kapdf::fuzz {
+
+SeedFolder::SeedFolder(std::string_view folder, std::string_view target)
+    : path_((std::filesystem::path(folder) / target).string()) {
+  std::filesystem::remove_all(path_);
+  std::filesystem::create_directories(path_);
+}
+
+void SeedFolder::Add(std::string_view name, std::string_view bytes) {
+  std::ofstream file(std::filesystem::path(path_) / name, std::ios::binary);
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+}  // namespace kapdf::fuzz
+
+int main(int argc, char **argv) {
+  using namespace kapdf::fuzz;
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: fuzz_seeds FOLDER\n");
+    return 2;
+  }
+  SeedFolder import(argv[1], "import"), objects(argv[1], "objects"), content(argv[1], "content"),
+      exports(argv[1], "export"), bombs(argv[1], "bombs");
+  AddDocuments(import);
+  AddObjects(objects);
+  AddContents(content);
+  AddDrawings(exports);
+  AddBombs(bombs);
+  return 0;
+}

@@ -1,0 +1,111 @@
+// Seeds that are texts: objects, contents, and the bytes from which the export target makes its records.
+#include "seeds/seeds.h"
+
+namespace kapdf::fuzz {
+namespace {
+
+struct Seed {
+  std::string_view name, text;
+};
+
+constexpr Seed kObjects[] = {
+    {"numbers", "0 -1 +2 3.25 -.5 4. 1e5 0.000000000001 99999999999 2147483648 -2147483649 00012 --5 1.2.3"},
+    {"names", "/Name /A#20B /-weird_!name /  /Very.Long.Name.Of.Some.Length/Next(text)/Other<</A/B>>"},
+    {"strings",
+     "(plain) (esc \\( \\) \\\\ \\n \\r \\t \\b \\f \\101 \\8) (a(b)c) (two\\\nlines) <48656C6C6F> <4> < 4 8 >"},
+    {"wide",
+     "<FEFF00410042> (\xFE\xFF"
+     "AB) <FFFE4100>"},
+    {"references", "1 0 R 12 3 R 1 0 S 1 2 3 R 4 0 obj 5 0 R6 0 R"},
+    {"words", "true false null trueish nul % a comment\n true"},
+    {"arrays", "[] [1 2 3] [1 0 R 2 0 R] [[1][2 [3]]] [/A(b)<63>true null<</D 1>>] [1 2"},
+    {"dictionaries", "<<>> <</A 1/B(2)/C<33>/D[4]/E<</F 5>>/G 6 0 R>> <</A>> <</A 1/A 2>> << /A 1"},
+    {"object", "7 0 obj\n<</Type /Page /MediaBox [0 0 612 792] /Contents 8 0 R /Rotate 90>>\nendobj\n"},
+    {"object_without_space", "7 0 obj<</Length 3>>stream\nabc\nendstream endobj"},
+    {"rubbish", "7 0 obj rubbish < rubbish <</A 1>> more"},
+};
+
+constexpr Seed kContents[] = {
+    {"arrays",
+     "[3 2] 0 d\n10 10 m 20 20 l S\n[] 0 d\n[ ] 0 d\n[1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18] 3 d\n0 0 m 9 9 l "
+     "S\n"},
+    {"states", "/A gs\n/B gs\n/Missing gs\n0 0 m 100 100 l S\n0 0 50 50 re f\nq /A gs q Q Q Q Q\n"},
+    {"colours",
+     "1 0 0 RG 0 1 0 rg 0.5 G 0.25 g 0 1 1 0 K 1 0 0 0 k\n/DeviceRGB CS 1 1 1 SC /DeviceCMYK cs 0 0 0 1 sc\n"
+     "/Cs1 cs 0.5 scn /P1 scn 1 2 3 4 5 scn\n0 0 10 10 re B\n"},
+    {"text",
+     "BT /F1 12 Tf 1 0 0 1 50 700 Tm (Hello \\(world\\)) Tj 0 -14 Td [(A) -120 (B) <4344>] TJ 14 TL T* (x) ' 1 2 (y) "
+     "\" "
+     "1 0 0 rg ET\n10 10 m 20 20 l S\n"},
+    {"inline_image", "q 10 0 0 10 5 5 cm\nBI /W 4 /H 4 /BPC 8 /CS /G\nID 0123456789abcdef\nEI Q\n1 1 m 2 2 l S\n"},
+    {"inline_image_ends", "BI /W 2 /H 2 /BPC 8 /CS /RGB /F /A85 ID GhVFE~> EI\nBI\nID EI EI\nEI\nBI /W 1"},
+    {"marked", "/OC /oc0 BDC 0 0 m 5 5 l S EMC /Span <</MCID 0>> BDC EMC /Fm1 Do /Im1 Do /Sh1 sh\n"},
+    {"glued", "0 0 m10 10 l\tS q\tQ q Q\r\n1 0 0 1 0 0 cm\r5 5 5 5 re\rf*\r"},
+    {"statement_over_lines", "10\n10\nm\n20 20\nl\n(a\nb) Tj\n[1\n2]\n0 d\nS"},
+    {"numbers", "1e5 1.5e-3 m -.5 +.5 l 99999999999999999999 1 l 1.7976931348623157e308 2 l nan inf l 0x10 1 l S\n"},
+    {"extremes",
+     "1e300 0 0 1e300 0 0 cm 1e300 0 0 1e300 0 0 cm 5 5 m 6 6 l S\n0 0 0 0 0 0 cm 1 1 m 2 2 l S\n1e30 w 0 0 9 9 re "
+     "S\n"},
+    {"curves",
+     "0 0 m 1e9 1e9 -1e9 1e9 5 5 c S\n0 0 m 10 20 30 40 v 50 60 70 80 y h B*\n0 0 m 0 0 0 0 0 0 c S\n1 2 l c S"},
+    {"holes", "0 0 100 100 re 10 10 m 10 90 l 90 90 l 90 10 l h f\n0 0 9 9 re 20 20 9 9 re f*\n0 0 m 5 5 l 3 3 m f\n"},
+    {"comment", "% a comment\n10 10 m % another\n20 20 l S\n"},
+};
+
+// Each asks for the usual order of calls; the values follow in the order in which the target takes them.
+constexpr Seed kDrawings[] = {
+    {"empty", ""},
+    {"text", "a drawing made of whatever these letters mean when they are taken for records, sections and values"},
+};
+
+}  // namespace
+
+std::string_view SampleContent() {
+  return "q 1 0 0 1 10 10 cm 2 w [6 3] 0 d 1 0 0 RG 0 0 m 100 0 l 100 100 l S Q\n"
+         "0.5 g 50 50 200 100 re f\n1 0 1 rg 300 300 m 350 400 400 400 450 300 c b\n"
+         "0 0 1 RG 10 700 m 600 700 l S\nBT /F1 12 Tf (text) Tj ET\n"
+         "0 0 100 100 re 20 20 60 60 re f*\n";
+}
+
+void AddObjects(SeedFolder &folder) {
+  for (const Seed &seed : kObjects) folder.Add(seed.name, seed.text);
+  folder.Add("nested_arrays", std::string(300, '[') + "1" + std::string(300, ']'));
+  std::string nested;
+  for (int i = 0; i < 300; ++i) nested += "<</A ";
+  folder.Add("nested_dictionaries", nested);
+  folder.Add("long_tokens", std::string(127, '1') + " " + std::string(128, '1') + " /" + std::string(300, 'n'));
+}
+
+void AddContents(SeedFolder &folder) {
+  for (const Seed &seed : kContents) {
+    folder.Add(seed.name, std::string(1, '\0') + std::string(seed.text));
+    folder.Add(std::string(seed.name) + "_cut", std::string(1, '\5') + std::string(seed.text));
+  }
+  for (char choice = 0; choice < 12; ++choice) {
+    folder.Add("sample" + std::to_string(choice), std::string(1, choice) + std::string(SampleContent()));
+  }
+  folder.Add("long_line", "0" + std::string(9000, ' ') + "1 1 m 2 2 l S (" + std::string(9000, 'x') + ") Tj");
+  std::string deep = "0", stretched = "0";
+  for (int i = 0; i < 500; ++i) deep += "q 2 0 0 2 0 0 cm 0 0 m 1 1 l S\n";
+  for (int i = 0; i < 2000; ++i)
+    stretched += std::to_string(i) + " " + std::to_string(i * 7 % 500) + (i ? " l\n" : " m\n");
+  folder.Add("deep_states", deep);
+  folder.Add("long_path", stretched + "S\n");
+}
+
+void AddDrawings(SeedFolder &folder) {
+  for (const Seed &seed : kDrawings) folder.Add(seed.name, seed.text);
+  // A sheet, no options, and then runs of numbers that give records of every kind.
+  for (unsigned seed = 1; seed <= 8; ++seed) {
+    std::string bytes;
+    for (const char *side : {"\1\0\0", "\1\0\0", "\2\0\40", "\2\0\40"}) bytes.append(side, 3);
+    bytes.append("\0\1\1", 3);
+    for (unsigned value = seed * 2654435761u, i = 0; i < 800 * seed; ++i) {
+      value = value * 1664525u + 1013904223u;
+      bytes += static_cast<char>(value >> 24);
+    }
+    folder.Add("records" + std::to_string(seed), bytes);
+  }
+}
+
+}  // namespace kapdf::fuzz

@@ -1,0 +1,171 @@
+#include "support/host.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "base/bytes.h"
+#include "support/temp_file.h"
+
+namespace kapdf::fuzz {
+namespace {
+
+// Keeps the reads below from being optimised away.
+volatile uint64_t seen;
+
+template <class Payload>
+Payload PayloadOf(const ElementRecord &record, size_t extra = 0) {
+  Require(record.payload != nullptr, "no payload");
+  Require(record.payloadBytes == sizeof(Payload) + extra, "payload size");
+  return LoadAs<Payload>(record.payload);
+}
+
+void RequireFinite(const double *values, size_t count) {
+  for (size_t i = 0; i < count; ++i) Require(std::isfinite(values[i]), "a value that is not finite");
+}
+
+template <class Payload>
+void RequireFinite(const ElementRecord &record) {
+  static_assert(sizeof(Payload) % sizeof(double) == 0);
+  const auto payload = PayloadOf<Payload>(record);
+  double values[sizeof(Payload) / sizeof(double)];
+  std::memcpy(values, &payload, sizeof payload);
+  RequireFinite(values, std::size(values));
+}
+
+void RequireText(const char16_t *text, size_t most) {
+  Require(text != nullptr, "no text");
+  size_t length = 0;
+  while (length < most && text[length]) ++length;
+  Require(length < most, "a text without its zero");
+}
+
+void LookAtPolyline(const ElementRecord &record) {
+  Require(record.payloadBytes >= sizeof(PolylinePayload), "payload size");
+  const auto line = LoadAs<PolylinePayload>(record.payload);
+  Require(line.vertexCount >= 1 && line.extraPerVertex == 0 && line.curved == 0, "polyline");
+  const auto vertices = static_cast<size_t>(line.vertexCount);
+  PayloadOf<PolylinePayload>(record, 16 * vertices);
+  RequireFinite(&line.width, 1);
+  RequireFinite(line.vertices, 2 * vertices);
+}
+
+void LookAtPolygon(const ElementRecord &record) {
+  Require(record.payloadBytes >= sizeof(FilledPolygonPayload), "payload size");
+  const auto area = LoadAs<FilledPolygonPayload>(record.payload);
+  Require(area.vertexCount >= 3 && area.contourCount >= 1, "polygon");
+  const auto vertices = static_cast<size_t>(area.vertexCount), contours = static_cast<size_t>(area.contourCount);
+  PayloadOf<FilledPolygonPayload>(record, 16 * vertices + 4 * (contours + 1));
+  const double scalars[] = {area.width, area.opacity};
+  RequireFinite(scalars, 2);
+  RequireFinite(area.vertices, 2 * vertices);
+  uint32_t before = LoadAs<uint32_t>(area.contourStarts);
+  Require(before == 0, "first contour");
+  for (size_t i = 1; i <= contours; ++i) {
+    const auto start = LoadAs<uint32_t>(area.contourStarts + i);
+    Require(start > before, "contours ascend");
+    before = start;
+  }
+  Require(before == vertices, "end of the contours");
+}
+
+void LookAtLineType(const ElementRecord &record) {
+  const auto type = PayloadOf<LineTypeDefPayload>(record);
+  RequireText(type.name, 256);
+  for (const LineTypeSegment &segment : type.segments) {
+    const double length = segment.length;
+    RequireFinite(&length, 1);
+  }
+}
+
+void LookAtLayer(const ElementRecord &record) {
+  const auto layer = PayloadOf<LayerDefPayload>(record);
+  RequireText(layer.name, 256);
+  RequireText(layer.lineType, 256);
+}
+
+void LookAt(const ElementRecord &record) {
+  RequireText(record.layerName, 256);
+  RequireText(record.styleName, 256);
+  for (size_t i = 0; i < record.payloadBytes; ++i) seen = seen + static_cast<const uint8_t *>(record.payload)[i];
+  switch (record.kind) {
+    case ElemLayerDef:
+      LookAtLayer(record);
+      break;
+    case ElemLineTypeDef:
+      LookAtLineType(record);
+      break;
+    case ElemPolyline:
+      LookAtPolyline(record);
+      break;
+    case ElemFilledPolygon:
+      LookAtPolygon(record);
+      break;
+    case ElemLine:
+      RequireFinite<LinePayload>(record);
+      break;
+    case ElemCircle:
+      RequireFinite<CirclePayload>(record);
+      break;
+    case ElemArc:
+      RequireFinite<ArcPayload>(record);
+      break;
+    case ElemEllipseArc:
+      RequireFinite<EllipseArcPayload>(record);
+      break;
+    default:
+      break;
+  }
+}
+
+struct Sink {
+  static uint32_t Report(ProgressObject *, double fraction) {
+    Require(fraction >= 0.0 && fraction <= 1.0, "fraction");
+    return 0;
+  }
+  ProgressTable table{nullptr, nullptr, Report, nullptr, nullptr, nullptr, nullptr};
+  ProgressObject object{&table};
+};
+
+void TakePage(CPDFFilter &filter) {
+  Sink sink;
+  for (;;) {
+    ElementRecord record{};
+    record.progress = &sink.object;
+    const uint32_t result = filter.ReadElement(&record);
+    if (result == FilterEndOfElements) break;
+    Require(result == FilterOk, "result of ReadElement");
+    for (const ElementRecord *one = &record; one; one = one->next) LookAt(*one);
+  }
+  ElementRecord record{};
+  Require(filter.ReadElement(&record) == FilterEndOfElements, "the end stays");
+}
+
+}  // namespace
+
+void Require(bool condition, const char *text) {
+  if (condition) return;
+  std::fprintf(stderr, "a promise is broken: %s\n", text);
+  std::abort();
+}
+
+uint32_t ImportAllPages(const char16_t *path) {
+  const FilterPointer filter(new CPDFFilter(kSettingsPath, false));
+  FileInfo info{};
+  const uint32_t first = filter->OpenRead(path, &info, nullptr, nullptr, nullptr, nullptr);
+  uint32_t result = first;
+  for (;;) {
+    if (result == FilterOk) TakePage(*filter);
+    if (++info.pageIndex >= info.pageCount || info.pageIndex >= kPagesPerInput) break;
+    result = filter->OpenRead(path, &info, nullptr, nullptr, nullptr, nullptr);
+  }
+  return first;
+}
+
+uint32_t ImportBytes(std::string_view bytes) {
+  const test::TempFile file(bytes);
+  return ImportAllPages(file.path16().c_str());
+}
+
+}  // namespace kapdf::fuzz

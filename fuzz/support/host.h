@@ -1,0 +1,29 @@
+// The host of the fuzz targets: it takes every page of a document as a drawing program would, looks at every byte that
+// it is given and ends the process when a record breaks its promises.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "filter/filter.h"
+
+namespace kapdf::fuzz {
+
+struct FilterDestroyer {
+  void operator()(CPDFFilter *filter) const { filter->Destroy(1); }
+};
+using FilterPointer = std::unique_ptr<CPDFFilter, FilterDestroyer>;
+
+inline constexpr int kPagesPerInput = 20;
+inline constexpr char16_t kSettingsPath[] = u"Software\\kaPDF-fuzz";
+
+// Prints the text and ends the process, as a sanitizer would, unless the condition holds.
+void Require(bool condition, const char *text);
+
+// Reads all pages, at most `kPagesPerInput`, to their ends. Gives the result of the first page's `OpenRead`.
+uint32_t ImportAllPages(const char16_t *path);
+// The same for bytes, which stand in a temporary file meanwhile.
+uint32_t ImportBytes(std::string_view bytes);
+
+}  // namespace kapdf::fuzz
