@@ -30,7 +30,7 @@ struct Model {
     return true;
   }
   std::string Read(size_t count) {
-    const std::string part = bytes.substr(static_cast<size_t>(at), count);
+    std::string part = bytes.substr(static_cast<size_t>(at), count);
     at += static_cast<int64_t>(part.size());
     return part;
   }

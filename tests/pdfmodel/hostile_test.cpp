@@ -13,6 +13,12 @@ namespace {
 
 using test::BigEndian;
 
+std::string Repeated(char c, size_t count) {
+  std::string text;
+  text.resize(count, c);
+  return text;
+}
+
 // A table of `count` objects from 1 on at the positions that `at` tells, and a trailer.
 std::string WithTable(std::string out, int count, const std::function<size_t(int)> &at) {
   const size_t start = out.size();
@@ -44,7 +50,7 @@ std::string SharedWhiteSpace() {
 std::string LargeMembers() {
   std::string out = Kids(10, 20000);
   const size_t second = out.find("2 0 obj"), third = out.size();
-  const std::string packed = test::Deflate("10 0 11 0 " + std::string(100'000'000, ' ') + "<</Type/Page>>");
+  const std::string packed = test::Deflate("10 0 11 0 " + Repeated(' ', 100'000'000) + "<</Type/Page>>");
   out += "3 0 obj<</Type/ObjStm/N 2/First 10/Filter/Fl/Length " + std::to_string(packed.size()) + ">>stream\n" +
          packed + "\n";
   std::string rows;
@@ -60,7 +66,7 @@ std::string LargeMembers() {
 
 // 100 million rows of one byte.
 std::string ManyEntries() {
-  const std::string packed = test::Deflate(std::string(100'000'000, '\1'));
+  const std::string packed = test::Deflate(Repeated('\1', 100'000'000));
   return "%PDF-1.5\n4 0 obj<</Type/XRef/W[1 0 0]/Size 2000000000/Filter/Fl/Length " + std::to_string(packed.size()) +
          ">>stream\n" + packed + "\nstartxref 9 %%EOF";
 }

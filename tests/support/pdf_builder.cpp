@@ -27,7 +27,7 @@ long LastNumber(std::string_view text, std::string_view word) {
 std::vector<std::pair<int, int>> RunsOf(const Entries &entries) {
   std::vector<std::pair<int, int>> runs;
   for (const auto &[number, entry] : entries) {
-    if (runs.empty() || runs.back().first + runs.back().second != number) runs.push_back({number, 0});
+    if (runs.empty() || runs.back().first + runs.back().second != number) runs.emplace_back(number, 0);
     ++runs.back().second;
   }
   return runs;
@@ -96,7 +96,7 @@ std::string PdfBuilder::Build(XRefForm form, std::string_view before) const {
   std::vector<std::pair<int, std::string>> packed;
   for (const Part &part : parts_) {
     if (form == XRefForm::kObjectStream && !part.isStream)
-      packed.push_back({part.number, part.text});
+      packed.emplace_back(part.number, part.text);
     else
       put(part.number, part.text);
   }
