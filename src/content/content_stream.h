@@ -38,8 +38,11 @@ class CPDFContentStream {
   // line; false, with nothing consumed, for any other one. What both readers give is the same.
   bool ReadPlain(PlainStatement &statement);
   // Joins a statement that had no operator with the line behind it: line ends at the position become blanks and the
-  // position goes back over the statement. False when there was no line end, so that nothing would change.
-  bool RejoinLine(size_t statementLength);
+  // position goes back over the statement, which is the end of the text read last. `mode`: in which it will be read
+  // again. Nothing changes without a line end.
+  void RejoinLine(const char *statement, size_t length, ScanMode mode);
+  // So many characters of the statement are those of the one that was joined: they were looked at before.
+  size_t keptLength() const { return keptLength_; }
 
   // Reading on in the decoded bytes, for data that are not statements.
   int NextByte() { return position_ < length_ ? bytes()[position_++] : -1; }
@@ -67,7 +70,7 @@ class CPDFContentStream {
   // `index`: for the name of the diagnostic file.
   bool ReadStreamBytes(int32_t objectNumber, uint32_t index);
   // Reads up to the end of a statement or of the stream; true when the statement is whole.
-  bool ScanStatement(ScanMode mode, size_t most, size_t &count);
+  bool ScanStatement(ScanMode mode, size_t first, size_t most, size_t &count);
   bool CutAtLastOperator(size_t most, size_t &count);
   char *EndStatement(size_t count, bool withoutFirst);
   void SkipWhiteSpace();
@@ -80,9 +83,14 @@ class CPDFContentStream {
   ByteBuffer buffer_;  // the decoded stream and one zero
   size_t length_ = 0;
   size_t position_ = 0;
-  size_t lineStart_ = kNoLine;  // of the line, as long as only plain statements were taken from it
-  size_t noPlainBefore_ = 0;    // no plain statement starts ahead of this position
-  uint32_t nextStream_ = 0;     // counts from 1 for the stream just loaded
+  size_t lineStart_ = kNoLine;           // of the line, as long as only plain statements were taken from it
+  size_t noPlainBefore_ = 0;             // no plain statement starts ahead of this position
+  ScanMode mode_ = ScanMode::kGraphics;  // of the text read last
+  bool followsBytes_ = false;            // the text read last is that of the bytes before the position, less zeros
+  size_t kept_ = 0;                      // characters of a statement that goes on behind the position
+  size_t keptLength_ = 0;                // of them, those that are in the text read last
+  size_t keptBlanks_ = 0;                // that stand for the line ends behind it
+  uint32_t nextStream_ = 0;              // counts from 1 for the stream just loaded
   uint32_t streamCount_ = 0;
   bool loneStreamDone_ = false;
   bool ended_ = false;

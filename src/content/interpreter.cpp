@@ -104,16 +104,20 @@ Flow Interpreter::RunOne(bool &ended) {
   if (!remainder_ && !textMode_ && settings_.plainStatements && context_->ReadPlain(plain)) {
     return Dispatch(plain.number, Statement{nullptr, &plain});
   }
-  char *text = NextText(textMode_ ? ScanMode::kText : ScanMode::kGraphics);
+  const bool fromContent = remainder_ == nullptr;
+  const ScanMode mode = textMode_ ? ScanMode::kText : ScanMode::kGraphics;
+  char *text = NextText(mode);
   if (!text) {
     ended = true;
     return Flow::kNext;
   }
-  const uint8_t number = FindOperator(text, remainder_);
+  search_.from = fromContent ? context_->keptLength() : 0;
+  if (search_.from == 0) search_.within = OperatorSearch::Within::kNothing;
+  const uint8_t number = FindOperator(text, remainder_, search_);
   if (number == 0) {
     // A line end may have broken a statement inside an operand: the line behind it is read together with it. Where
     // there is none, the statement is dropped.
-    if (!remainder_ && *text) context_->RejoinLine(std::strlen(text));
+    if (*text) context_->RejoinLine(text, search_.from, mode);
     return Flow::kNext;
   }
   while (*text == ' ') ++text;

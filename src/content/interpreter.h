@@ -10,6 +10,7 @@
 #include "content/operators.h"
 #include "content/path.h"
 #include "content/record_blocks.h"
+#include "content/scanner.h"
 #include "content/statement.h"
 #include "kapdf/kapdf.h"
 
@@ -137,6 +138,7 @@ class Interpreter {
   InterpreterSettings settings_;
   GraphicsState state_;
   StateStack stack_;
+  OperatorSearch search_;
   char *remainder_ = nullptr;  // of the statement in the context's buffer
   bool textMode_ = false;
   bool defaultsSent_ = false;

@@ -7,28 +7,62 @@ namespace {
 
 constexpr size_t kOperatorBytes = 3;
 
-void SkipPast(char *&at, char close) {
+using Within = OperatorSearch::Within;
+
+// These go on within a construct and give false when the text ends first.
+bool SkipPast(char *&at, char close) {
   while (*at && *at != close) {
     if (*at == '\\' && at[1]) ++at;
     ++at;
   }
-  if (*at) ++at;
-}
-
-// False when the text ends inside the array.
-bool SkipArray(char *&at) {
-  ++at;
-  while (*at && *at != ']') {
-    if (*at == '(')
-      SkipLiteralString(at);
-    else if (*at == '<')
-      SkipHexString(at);
-    else
-      at += *at == '\\' && at[1] ? 2 : 1;
-  }
   if (!*at) return false;
   ++at;
   return true;
+}
+
+bool SkipPastDictionary(char *&at) {
+  while (*at && !(at[0] == '>' && at[1] == '>')) at += *at == '\\' && at[1] ? 2 : 1;
+  if (!*at) return false;
+  at += 2;
+  return true;
+}
+
+bool SkipPastArray(char *&at, Within &within) {
+  for (;;) {
+    if (within == Within::kArrayString && !SkipPast(at, ')')) return false;
+    if (within == Within::kArrayHexString && !SkipPast(at, '>')) return false;
+    within = Within::kArray;
+    while (*at && *at != ']' && *at != '(' && *at != '<') at += *at == '\\' && at[1] ? 2 : 1;
+    if (!*at) return false;
+    const char found = *at++;
+    if (found == ']') return true;
+    within = found == '(' ? Within::kArrayString : Within::kArrayHexString;
+  }
+}
+
+bool SkipRest(char *&at, Within &within) {
+  switch (within) {
+    case Within::kNothing:
+      return true;
+    case Within::kString:
+      return SkipPast(at, ')');
+    case Within::kHexString:
+      return SkipPast(at, '>');
+    case Within::kDictionary:
+      return SkipPastDictionary(at);
+    default:
+      return SkipPastArray(at, within);
+  }
+}
+
+// What opens at the cursor, which is moved behind the opening.
+Within Enter(char *&at) {
+  if (*at == '(') return ++at, Within::kString;
+  if (*at == '[') return ++at, Within::kArray;
+  if (*at != '<') return Within::kNothing;
+  if (at[1] != '<') return ++at, Within::kHexString;
+  at += 2;
+  return Within::kDictionary;
 }
 
 bool EndsWord(char c) { return c == 0 || c == ' ' || c == '[' || c == '(' || c == '<'; }
@@ -54,39 +88,40 @@ void SkipHexString(char *&at) {
 
 void SkipDictionary(char *&at) {
   at += 2;
-  while (*at && !(at[0] == '>' && at[1] == '>')) at += *at == '\\' && at[1] ? 2 : 1;
-  if (*at) at += 2;
+  SkipPastDictionary(at);
 }
 
 uint8_t FindOperator(char *text, char *&remainder) {
+  OperatorSearch search;
+  return FindOperator(text, remainder, search);
+}
+
+uint8_t FindOperator(char *text, char *&remainder, OperatorSearch &search) {
   remainder = nullptr;
-  char *at = text;
+  char *at = text + search.from;
   for (;;) {
-    while (*at == ' ' || *at == '\t') ++at;
-    if (*at == 0) return 0;
-    if (*at == '(') {
-      SkipLiteralString(at);
-    } else if (*at == '<') {
-      if (at[1] == '<')
-        SkipDictionary(at);
-      else
-        SkipHexString(at);
-    } else if (*at == '[') {
-      if (!SkipArray(at)) return 0;
-    } else {
-      const size_t length = WordLength(at);
-      const char *word = at;
-      at += length;
-      const uint8_t number = length <= kOperatorBytes ? FindOperatorNumber(word, length) : 0;
-      if (number == 0) continue;
-      if (*at == ' ' || *at == '\r' || *at == '\n') {
-        *at++ = 0;
-        remainder = *at ? at : nullptr;
-      } else if (*at) {
-        remainder = at;
-      }
-      return number;
+    if (SkipRest(at, search.within)) {
+      search.within = Within::kNothing;
+      while (*at == ' ' || *at == '\t') ++at;
     }
+    if (*at == 0) {
+      search.from = static_cast<size_t>(at - text);
+      return 0;
+    }
+    search.within = Enter(at);
+    if (search.within != Within::kNothing) continue;
+    const size_t length = WordLength(at);
+    const char *word = at;
+    at += length;
+    const uint8_t number = length <= kOperatorBytes ? FindOperatorNumber(word, length) : 0;
+    if (number == 0) continue;
+    if (*at == ' ' || *at == '\r' || *at == '\n') {
+      *at++ = 0;
+      remainder = *at ? at : nullptr;
+    } else if (*at) {
+      remainder = at;
+    }
+    return number;
   }
 }
 

@@ -6,10 +6,19 @@
 
 namespace kapdf {
 
+// Where a search that found no operator stopped, at the text's end. When more text is put behind it the search goes on
+// there.
+struct OperatorSearch {
+  enum class Within { kNothing, kString, kHexString, kDictionary, kArray, kArrayString, kArrayHexString };
+  size_t from = 0;
+  Within within = Within::kNothing;
+};
+
 // The number of the first operator in the text, 0 for none. The text is cut behind it, and `remainder` is set to what
 // follows, or null at the end. Strings, arrays and dictionaries are passed over. A word ends at a blank, a bracket or
 // an inner slash only: a TAB glues words together.
 uint8_t FindOperator(char *text, char *&remainder);
+uint8_t FindOperator(char *text, char *&remainder, OperatorSearch &search);
 
 // True when the word that starts at the text is an operator.
 bool StartsWithOperator(const char *text);

@@ -1,6 +1,7 @@
 // Cutting content into statements.
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "base/ascii.h"
 #include "base/limits.h"
@@ -32,9 +33,8 @@ bool IsParametersKey(const char *text, size_t count) {
 
 // What the byte at hand may do to a statement, in the modes where that matters, is decided here; the plain copying of
 // bytes stays in the loop.
-bool CPDFContentStream::ScanStatement(ScanMode mode, size_t most, size_t &count) {
+bool CPDFContentStream::ScanStatement(ScanMode mode, size_t first, size_t most, size_t &count) {
   char *text = statement_.data();
-  const size_t first = count;
   const uint8_t *data = bytes();
   const bool graphics = mode == ScanMode::kGraphics;
   bool imageData = false, parameters = false;
@@ -55,16 +55,21 @@ bool CPDFContentStream::ScanStatement(ScanMode mode, size_t most, size_t &count)
         return true;
       } else {
         ++position_;  // the backslash is overwritten and the string goes on
+        followsBytes_ = false;
         if (count > 0) --count;
         continue;
       }
     }
     if (graphics && c == '%' && count > first && data[position_ - 1] == '%') {
       while (position_ < length_ && !IsLineEnd(data[position_])) ++position_;
+      followsBytes_ = false;
       return true;  // "%%" opens a comment; a single "%" does not
     }
     ++position_;
-    if (graphics && c == 0) continue;
+    if (c == 0) {
+      if (graphics) continue;
+      followsBytes_ = false;  // the text ends here for its readers
+    }
     text[count++] = static_cast<char>(c);
     if (graphics && (c == 'q' || c == 'Q')) {  // stands alone, however long the line
       if (count == 1) return true;
@@ -84,16 +89,26 @@ char *CPDFContentStream::ReadStatement(ScanMode mode) {
   const bool goesOn = lineStart_ < position_ && position_ < length_ && !IsLineEnd(bytes()[position_]);
   const size_t most = kMost - (goesOn ? position_ - lineStart_ : 0);
   lineStart_ = kNoLine;
-  size_t count = 0;
+  mode_ = mode;
+  followsBytes_ = true;
+  keptLength_ = std::exchange(kept_, 0);
+  size_t count = keptLength_ + std::exchange(keptBlanks_, 0);
   for (int joined = 0; joined <= limits::kJoinedStreams; ++joined) {
-    if (!FillBuffer()) break;
-    if (!goesOn || joined > 0) SkipWhiteSpace();
-    const size_t saved = count;
-    if (saved > 0 && saved < most) statement_[count++] = ' ';
-    const bool whole = ScanStatement(mode, most, count);
-    if (count >= most && !whole && mode == ScanMode::kGraphics && !CutAtLastOperator(most, count) && goesOn) {
-      MoveBack(most);  // the cut is behind the last plain statement
-      return ReadStatement(mode);
+    size_t saved = 0;
+    if (joined > 0 || keptLength_ == 0) {
+      if (!FillBuffer()) break;
+      if (!goesOn || joined > 0) SkipWhiteSpace();
+      saved = count;
+      if (saved > 0 && saved < most) statement_[count++] = ' ';
+      if (joined > 0) followsBytes_ = false;
+    }
+    const bool whole = ScanStatement(mode, saved > 0 ? count : 0, most, count);
+    if (count >= most && !whole && mode == ScanMode::kGraphics) {
+      keptLength_ = 0;
+      if (!CutAtLastOperator(most, count) && goesOn) {
+        MoveBack(most);  // the cut is behind the last plain statement
+        return ReadStatement(mode);
+      }
     }
     if (whole || count >= most || position_ < length_) {
       return EndStatement(count, goesOn);
@@ -133,15 +148,24 @@ bool CPDFContentStream::CutAtLastOperator(size_t most, size_t &count) {
   return false;
 }
 
-bool CPDFContentStream::RejoinLine(size_t statementLength) {
-  if (!buffer_.data()) return false;
-  bool changed = false;
-  for (size_t i = position_; i < length_ && IsLineEnd(bytes()[i]); ++i) {
-    bytes()[i] = ' ';
-    changed = true;
-  }
-  if (changed) MoveBack(statementLength);
-  return changed;
+// A statement that is just what stands before the position is not read again: it stays in the buffer and its next
+// reading goes on behind it. Else many short lines without an operator would be read over and over.
+void CPDFContentStream::RejoinLine(const char *statement, size_t length, ScanMode mode) {
+  if (!buffer_.data()) return;
+  size_t end = position_;
+  for (; end < length_ && IsLineEnd(bytes()[end]); ++end) bytes()[end] = ' ';
+  if (end == position_) return;
+  const char *first = statement;
+  while (*first == ' ') ++first;
+  // What would be read otherwise from its first character on is read again.
+  if (!followsBytes_ || mode != mode_ || *first == 0 || *first == '\t' || *first == 'q' || *first == 'Q')
+    return MoveBack(length);
+  kept_ = static_cast<size_t>(statement + length - first);
+  if (first != statement_.data()) std::memmove(statement_.data(), first, kept_);
+  keptBlanks_ = std::min(end - position_, kMost - kept_);
+  std::memset(statement_.data() + kept_, ' ', keptBlanks_);
+  position_ += keptBlanks_;
+  noPlainBefore_ = position_ + 1;
 }
 
 bool CPDFContentStream::ReadPlain(PlainStatement &statement) {
