@@ -1,0 +1,124 @@
+// Paths and what painting makes of them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "base/limits.h"
+#include "drawing.h"
+
+namespace kapdf::test {
+namespace {
+
+const std::string kRed = "1 0 0 rg 0 0 1 RG ";
+
+TEST(Paths, Painting) {
+  const std::string square = "0,0 0,9 9,9 9,0 0,0", turned = "1,1 5,1 5,5 1,5 1,1";
+  const std::string fill = "fill #FF0000 w1 o100 ", stroke = " #0000FF w1 ";
+  const struct {
+    std::string content, drawn;
+  } cases[] = {
+      {"0 0 m 10 0 l S", "line #0000FF w1 0,0 10,0"},
+      {"0 0 m 10 0 l 10 10 l S", "poly #0000FF w1 0,0 10,0 10,10"},
+      {"0 0 m 10 0 l 10 10 l s", "poly #0000FF w1 0,0 10,0 10,10 0,0"},
+      {"0 0 m 10 0 l h h S", "poly #0000FF w1 0,0 10,0 0,0 0,0"},  // closed as often as asked
+      {"0 0 m h 10 0 l S", "line #0000FF w1 0,0 10,0"},            // one point cannot be closed
+      {"10 0 l 0 9 l S", "line #0000FF w1 10,0 0,9"},              // lines need no start
+      {"0 0 m S 0 0 m f", ""},
+      {"0 0 m 1 1 m 9 0 l S", "line #0000FF w1 1,1 9,0"},
+      // Strokes leave last first.
+      {"0 0 m 1 0 l 2 0 m 3 0 l 4 0 m 5 0 l S",
+       "line #0000FF w1 4,0 5,0\nline #0000FF w1 2,0 3,0\nline #0000FF w1 0,0 1,0"},
+      {"0 0 9 9 re f", fill + square},
+      {"0 0 9 9 re S", "poly" + stroke + square},
+      {"0 0 9 re f 0 0 9 9 re F", fill + square},
+      {"0 0 m 9 0 l 9 9 l f", fill + "0,0 9,0 9,9 0,0"},
+      {"0 0 m 9 0 l 9 9 l 0 0 l f", fill + "0,0 9,0 9,9 0,0"},
+      {"0 0 m 9 0 l f", ""},
+      {"0 0 9 9 re n 0 0 9 9 re W n 1 1 m 2 2 l S", "line #0000FF w1 1,1 2,2"},
+      // A subpath before the last is not closed by f, and dropped below three points; f* closes it.
+      {"0 0 m 9 0 l 9 9 l 0 0 m 9 9 l 0 9 l f", fill + "0,0 9,0 9,9\n" + fill + "0,0 9,9 0,9 0,0"},
+      {"0 0 m 9 0 l 0 0 9 9 re f", fill + square},
+      {"0 0 m 9 0 l 0 0 9 9 re f*", fill + "0,0 9,0 0,0 | " + square},
+      // Contours of one direction are polygons of their own, of both directions one polygon.
+      {"0 0 9 9 re 1 1 4 4 re f", fill + square + "\n" + fill + "1,1 1,5 5,5 5,1 1,1"},
+      {"0 0 9 9 re 1 1 m 5 1 l 5 5 l 1 5 l h f", fill + square + " | " + turned},
+      {"0 0 9 9 re 1 1 4 4 re f*", fill + square + " | 1,1 1,5 5,5 5,1 1,1"},
+      // Below one square millimetre a contour says nothing about the next.
+      {"0 0 1 1 re 1 1 m 5 1 l 5 5 l 1 5 l h f", fill + "0,0 0,1 1,1 1,0 0,0\n" + fill + turned},
+      // The B family fills its contours as one and strokes each, last first and closed.
+      {"0 0 9 9 re 1 1 4 4 re B",
+       fill + square + " | 1,1 1,5 5,5 5,1 1,1\npoly" + stroke + "1,1 1,5 5,5 5,1 1,1\npoly" + stroke + square},
+      {"0 0 m 9 0 l 9 9 l b", fill + "0,0 9,0 9,9 0,0\npoly" + stroke + "0,0 9,0 9,9 0,0"},
+      {"0 0 m 9 0 l 0 0 9 9 re B*",
+       fill + "0,0 9,0 0,0 | " + square + "\npoly" + stroke + square + "\npoly" + stroke + "0,0 9,0 0,0"},
+      {"0 0 1 RG 0 0 1 rg 0 0 9 9 re b*", "fill #0000FF w1 o100 0,0 0,9 9,9 9,0 0,0 0,0"},  // one colour: no stroke
+      {"0 0 9 9 re 2 J f", fill + square},
+      // What a paint of nothing has set holds for the next one.
+      {"B 0 0 9 9 re f", fill + square + "\npoly" + stroke + square},
+      {"B 1 1 m 2 2 l S 0 0 9 9 re f", "line #0000FF w1 1,1 2,2\n" + fill + square},
+  };
+  for (const auto &c : cases) EXPECT_EQ(Drawn(kRed + c.content), c.drawn) << c.content;
+}
+
+TEST(Paths, Curves) {
+  const auto points = [](const std::string &content) {
+    const std::string drawn = Drawn(content);
+    return std::pair(std::count(drawn.begin(), drawn.end(), ','),
+                     drawn.substr(std::min(drawn.size(), drawn.rfind(' '))));
+  };
+  const std::pair none(0L, std::string());
+  EXPECT_EQ(points("0 0 m 1 0 1 1 2 1 c S"), std::pair(11L, std::string(" 2,1")));
+  EXPECT_EQ(points("0 0 m 1 0 1 1 c S"), none);
+  EXPECT_EQ(points("1 0 1 1 2 1 c S"), none);  // nothing to start from
+  EXPECT_EQ(points("1 0 2 1 v S"), none);
+  EXPECT_EQ(points("0 0 m 1 0 2 1 v 3 3 l S"), std::pair(12L, std::string(" 3,3")));
+  EXPECT_EQ(points("0 0 m 1 0 2 1 y S"), std::pair(11L, std::string(" 2,1")));
+  EXPECT_EQ(points("0 0 m 100 0 100 0 200 0 c S"), std::pair(353L, std::string(" 200,0")));  // 70.56 mm in steps of 0.2
+  // The current point doubled, and the end doubled, are the full form.
+  EXPECT_EQ(Drawn("5 5 m 20 7 30 9 v S"), Drawn("5 5 m 5 5 20 7 30 9 c S"));
+  EXPECT_EQ(Drawn("5 5 m 20 7 30 9 y S"), Drawn("5 5 m 20 7 30 9 30 9 c S"));
+}
+
+// Points beyond the page are left out one by one, curves as a whole.
+TEST(Paths, ThePageIsTheClipBox) {
+  const struct {
+    std::string content, drawn, unclipped;
+  } cases[] = {
+      {"-1 0 m 5 5 l 9 9 l S", "line 256 w1 5,5 9,9", "poly 256 w1 -1,0 5,5 9,9"},
+      {"0 0 m 612 792 l S", "line 256 w1 0,0 612,792", "line 256 w1 0,0 612,792"},
+      {"600 0 20 20 re f", "fill 256 w1 o100 600,0 600,20 600,0", "fill 256 w1 o100 600,0 600,20 620,20 620,0 600,0"},
+      {"600 780 20 20 re f", "", "fill 256 w1 o100 600,780 600,800 620,800 620,780 600,780"},
+      {"-9 0 m 0 0 l 9 0 l 9 9 l 9 99999 l f", "fill 256 w1 o100 0,0 9,0 9,9 0,0",
+       "fill 256 w1 o100 -9,0 0,0 9,0 9,9 9,99999 -9,0"},
+      {"0 0 m 1 -1 2 2 3 3 c 4 4 l S", "line 256 w1 0,0 4,4", "."},
+      {"0 0 m 1 1 2 -2 3 3 c 4 4 l S", "line 256 w1 0,0 4,4", "."},
+      {"0 0 m 1 1 2 2 3 -3 c 4 4 l S", "line 256 w1 0,0 4,4", "."},
+      {"0 0 m 1 1 2 -2 v 4 4 l S", "line 256 w1 0,0 4,4", "."},
+      {"0 0 m 1 -1 2 2 y 4 4 l S", "line 256 w1 0,0 4,4", "."},
+      {"q 1e300 0 0 1e300 0 0 cm 1e300 0 m 1e300 1e300 l Q 1 1 m 2 2 l S", "line 256 w1 1,1 2,2",
+       "line 256 w1 1,1 2,2"},
+  };
+  InterpreterSettings open;
+  open.clipping = false;
+  for (const auto &c : cases) {
+    EXPECT_EQ(Drawn(c.content), c.drawn) << c.content;
+    if (c.unclipped == ".") continue;
+    EXPECT_EQ(Drawn(c.content, kLetter, open), c.unclipped) << c.content;
+  }
+  EXPECT_EQ(Drawn("600 780 20 20 re S"), "line 256 w1 600,780 600,780");
+}
+
+// Memory for one path has an end, whatever asks for more.
+TEST(Paths, PointsAreBounded) {
+  std::string content = "0 0 m ", piece = "h h h h h h h h ";
+  while (piece.size() < 1 << 20) piece += piece;
+  content += "1 0 l ";
+  for (int i = 0; i < 34; ++i) content += piece;  // 17.8 million
+  std::string raw;
+  ReadPage(PageBytes({content + "0 0 9 9 re 1 1 2 2 3 3 c S"}), {}, &raw);
+  EXPECT_GT(raw.size(), limits::kPathPoints * 16);
+  EXPECT_LT(raw.size(), limits::kPathPoints * 16 + 1000);
+}
+
+}  // namespace
+}  // namespace kapdf::test
