@@ -21,15 +21,15 @@ inline constexpr int kFormDepth = 500;                          // forms inside 
 inline constexpr uint32_t kFormsPerPage = 1'000'000;            // forms entered on one page
 inline constexpr int kStripeDepth = 8;                          // containers of stripes
 inline constexpr size_t kDecodedStream = size_t{512} << 20;     // bytes of one decoded stream
+inline constexpr size_t kPageContent = size_t{1} << 30;         // decoded bytes of all content streams of one page
 inline constexpr uint32_t kImageSide = 1'000'000;               // pixels
 inline constexpr int kCurvePoints = 1'000'000;                  // a longer curve gives its end point only
 inline constexpr size_t kPathPoints = 16'000'000;               // further points are dropped
 inline constexpr size_t kSavedStates = 65'536;                  // copies kept by q; deeper ones are only counted
 inline constexpr size_t kTokenText = 127;                       // characters of a number or a name
 inline constexpr int64_t kDictionarySearch = int64_t{1} << 20;  // bytes passed over in search of "<<"
-inline constexpr int64_t kRubbish = int64_t{64}
-                                    << 20;  // bytes that the search for brackets passes over in one document
-inline constexpr int kJoinedStreams = 64;   // streams that one statement may span
+inline constexpr int64_t kRubbish = int64_t{64} << 20;          // bytes passed over in search of brackets, per document
+inline constexpr int kJoinedStreams = 64;                       // streams that one statement may span
 inline constexpr size_t kObjectStreamCache = size_t{64} << 20;  // bytes of decoded object streams kept
 inline constexpr size_t kPaletteEntries = 256;
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "base/limits.h"
 #include "pdfmodel/stream.h"
 #include "platform/file.h"
 
@@ -75,6 +76,8 @@ bool CPDFContentStream::ReadStreamBytes(int32_t objectNumber, uint32_t index) {
   if (!OpenObject(objects_, objectNumber, firstChar)) return false;
   CPDFStream stream(objects_);
   if (stream.Parse(firstChar) != 0 || !stream.ReadAll(buffer_)) return false;
+  contentBytes_ += buffer_.size();
+  if (contentBytes_ > limits::kPageContent) return false;  // a stream that is listed again and again ends the page
   length_ = buffer_.size();
   buffer_.Resize(length_ + 1);
   buffer_.ShrinkToFit();

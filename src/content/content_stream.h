@@ -82,6 +82,7 @@ class CPDFContentStream {
   const CPDFArray *contents_ = nullptr;
   ByteBuffer buffer_;  // the decoded stream and one zero
   size_t length_ = 0;
+  size_t contentBytes_ = 0;  // decoded on this page so far
   size_t position_ = 0;
   size_t lineStart_ = kNoLine;           // of the line, as long as only plain statements were taken from it
   size_t noPlainBefore_ = 0;             // no plain statement starts ahead of this position
