@@ -27,19 +27,38 @@ const CPDFDictionary *PageResources::Dictionary() {
   return dictionary_;
 }
 
-// Only entries behind references in a direct dictionary count.
+// What a dictionary of parameters says; nothing when it has neither value.
+std::optional<ExtGState> PageResources::ReadExtGState(const CPDFIndirectObject &reference) {
+  const auto state = FetchDictionary(objects_, reference);
+  if (!state) return std::nullopt;
+  const auto *alpha = state->GetAs<CPDFNumeric>("ca");
+  const auto *width = state->GetAs<CPDFNumeric>("LW");
+  if (!alpha && !width) return std::nullopt;
+  return ExtGState{NumberOr0(alpha), NumberOr0(width)};
+}
+
+std::optional<ExtGState> PageResources::ReadExtGState(const CPDFIndirectObject &reference) const {
+  const auto state = FetchDictionary(objects_, reference);
+  if (!state) return std::nullopt;
+  const auto *alpha = state->GetAs<CPDFNumeric>("ca");
+  const auto *width = state->GetAs<CPDFNumeric>("LW");
+  if (!alpha && !width) return std::nullopt;
+  return ExtGState{NumberOr0(alpha), NumberOr0(width)};
+}
+
+// Only entries behind references in a direct dictionary count. An object with many names is read once.
 void PageResources::LoadExtGStates() {
   extGStatesRead_ = true;
   const CPDFDictionary *all = Dictionary();
   const auto *table = all ? all->GetAs<CPDFDictionary>("ExtGState") : nullptr;
   if (!table) return;
+  std::unordered_map<int32_t, std::optional<ExtGState>> byNumber;
   for (const CPDFDictionary::Entry *entry : table->Sorted()) {
     const auto *reference = dynamic_cast<const CPDFIndirectObject *>(entry->value.get());
-    const auto state = reference ? FetchDictionary(objects_, *reference) : nullptr;
-    if (!state) continue;
-    const auto *alpha = state->GetAs<CPDFNumeric>("ca");
-    const auto *width = state->GetAs<CPDFNumeric>("LW");
-    if (alpha || width) extGStates_.emplace(entry->name, ExtGState{NumberOr0(alpha), NumberOr0(width)});
+    if (!reference) continue;
+    const auto [place, isNew] = byNumber.try_emplace(reference->objectNumber);
+    if (isNew) place->second = ReadExtGState(*reference);
+    if (place->second) extGStates_.emplace(entry->name, *place->second);
   }
 }
 

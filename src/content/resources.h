@@ -32,6 +32,9 @@ class PageResources {
  private:
   const CPDFDictionary *Dictionary();
   void LoadExtGStates();
+  // Nothing when the object is no dictionary or holds neither value.
+  std::optional<ExtGState> ReadExtGState(const CPDFIndirectObject &reference) const;
+  std::optional<ExtGState> ReadExtGState(const CPDFIndirectObject &reference);
 
   ObjectLocator &objects_;
   const CPDFDictionary *owner_;
