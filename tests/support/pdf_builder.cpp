@@ -48,16 +48,17 @@ std::string ClassicTable(const Entries &entries) {
   return text;
 }
 
-std::string XRefStream(int number, const Entries &entries, std::string_view trailer, bool packed) {
-  std::string index, rows;
-  for (const auto &[first, count] : RunsOf(entries)) index += std::to_string(first) + " " + std::to_string(count) + " ";
+std::string RowsOf(const Entries &entries) {
+  std::string rows;
   for (const auto &[object, entry] : entries) {
     rows += BigEndian(static_cast<unsigned>(entry.type), 1) + BigEndian(entry.second, 4) + BigEndian(entry.third, 2);
   }
-  if (packed) rows = Deflate(PngUpRows(rows, 7));
-  return std::to_string(number) + " 0 obj\n<</Type /XRef /W [1 4 2] /Index [" + index + "] " + std::string(trailer) +
-         (packed ? " /Filter /FlateDecode /DecodeParms <</Predictor 12 /Columns 7>>" : "") + " /Length " +
-         std::to_string(rows.size()) + ">>\nstream\n" + rows + "\nendstream\nendobj\n";
+  return rows;
+}
+
+std::string StreamText(std::string_view entries, std::string_view data) {
+  return "<<" + std::string(entries) + " /Length " + std::to_string(data.size()) + ">>\nstream\n" + std::string(data) +
+         "\nendstream";
 }
 
 }  // namespace
@@ -68,9 +69,7 @@ PdfBuilder &PdfBuilder::Object(int number, std::string_view text) {
 }
 
 PdfBuilder &PdfBuilder::Stream(int number, std::string_view entries, std::string_view data) {
-  parts_.push_back({number, true,
-                    "<<" + std::string(entries) + " /Length " + std::to_string(data.size()) + ">>\nstream\n" +
-                        std::string(data) + "\nendstream"});
+  parts_.push_back({number, true, StreamText(entries, data)});
   return *this;
 }
 
@@ -93,35 +92,42 @@ std::string PdfBuilder::Build(XRefForm form, std::string_view before) const {
     entries[number] = {1, out.size(), 0};
     out += std::to_string(number) + " 0 obj\n" + std::string(text) + "\nendobj\n";
   };
-  std::vector<std::pair<int, std::string>> packed;
+  const int container = next;
+  std::string header, packed;
+  unsigned count = 0;
   for (const Part &part : parts_) {
-    if (form == XRefForm::kObjectStream && !part.isStream)
-      packed.emplace_back(part.number, part.text);
-    else
+    if (form != XRefForm::kObjectStream || part.isStream) {
       put(part.number, part.text);
-  }
-  if (!packed.empty()) {
-    const int container = next++;
-    const auto [text, first] = PackObjects(packed);
-    const std::string data = Deflate(text);
-    put(container, "<</Type /ObjStm /N " + std::to_string(packed.size()) + " /First " + std::to_string(first) +
-                       " /Filter /FlateDecode /Length " + std::to_string(data.size()) + ">>\nstream\n" + data +
-                       "\nendstream");
-    for (size_t i = 0; i < packed.size(); ++i) {
-      entries[packed[i].first] = {2, static_cast<unsigned>(container), static_cast<unsigned>(i)};
+      continue;
     }
+    header += std::to_string(part.number) + " " + std::to_string(packed.size()) + " ";
+    packed += part.text + "\n";
+    entries[part.number] = {2, static_cast<unsigned>(container), count++};
+  }
+  if (count > 0) {
+    put(next++, StreamText("/Type /ObjStm /N " + std::to_string(count) + " /First " + std::to_string(header.size()) +
+                               " /Filter /FlateDecode",
+                           Deflate(header + packed)));
   }
   std::string trailer = trailer_;
   if (!before.empty()) trailer += " /Prev " + std::to_string(LastNumber(before, "startxref"));
-  const size_t start = out.size();
   if (form == XRefForm::kClassic) {
-    out += ClassicTable(entries) + "trailer\n<<" + trailer + " /Size " + std::to_string(next) + ">>\n";
-  } else {
-    const int number = next++;
-    entries[number] = {1, start, 0};
-    out += XRefStream(number, entries, trailer + " /Size " + std::to_string(next), form != XRefForm::kStream);
+    return out + ClassicTable(entries) + "trailer\n<<" + trailer + " /Size " + std::to_string(next) +
+           ">>\nstartxref\n" + std::to_string(out.size()) + "\n%%EOF\n";
   }
-  return out + "startxref\n" + std::to_string(start) + "\n%%EOF\n";
+  entries[next] = {1, out.size(), 0};
+  std::string index, rows = RowsOf(entries);
+  for (const auto &[first, runLength] : RunsOf(entries))
+    index += std::to_string(first) + " " + std::to_string(runLength) + " ";
+  trailer = "/W [1 4 2] /Index [" + index + "] " + trailer + " /Size " + std::to_string(next + 1);
+  if (form == XRefForm::kStream) return WithXRefStream(out, next, trailer, rows);
+  return WithXRefStream(out, next, trailer + " /Filter /FlateDecode /DecodeParms <</Predictor 12 /Columns 7>>",
+                        Deflate(PngUpRows(rows, 7)));
+}
+
+std::string WithXRefStream(const std::string &body, int number, const std::string &entries, std::string_view rows) {
+  return body + std::to_string(number) + " 0 obj\n" + StreamText("/Type /XRef " + entries, rows) +
+         "\nendobj\nstartxref\n" + std::to_string(body.size()) + "\n%%EOF\n";
 }
 
 PdfBuilder PagesOf(const std::vector<std::string> &contents, std::string_view pageEntries) {
@@ -141,15 +147,6 @@ PdfBuilder PagesOf(const std::vector<std::string> &contents, std::string_view pa
 
 std::string OnePage(std::string_view content, std::string_view pageEntries, XRefForm form) {
   return PagesOf({std::string(content)}, pageEntries).Build(form);
-}
-
-ObjectStreamText PackObjects(const std::vector<std::pair<int, std::string>> &objects) {
-  std::string header, body;
-  for (const auto &[number, text] : objects) {
-    header += std::to_string(number) + " " + std::to_string(body.size()) + " ";
-    body += text + "\n";
-  }
-  return {header + body, header.size()};
 }
 
 std::string Deflate(std::string_view plain) {

@@ -43,22 +43,14 @@ class PdfBuilder {
 };
 
 // A document of one page for each content: catalog 1, pages 2, then for page i (from 0) the page 3 + 2 * i and its
-// content stream 4 + 2 * i. Further objects can be added from `FirstFreeObject(contents)`. `pageEntries` go into every
-// page.
+// content stream 4 + 2 * i. `pageEntries` go into every page.
 PdfBuilder PagesOf(const std::vector<std::string> &contents, std::string_view pageEntries = "/MediaBox [0 0 612 792]");
-inline int FirstFreeObject(const std::vector<std::string> &contents) {
-  return 3 + 2 * static_cast<int>(contents.size());
-}
 // The bytes of a document of one page.
 std::string OnePage(std::string_view content, std::string_view pageEntries = "/MediaBox [0 0 612 792]",
                     XRefForm form = XRefForm::kClassic);
 
-// The text of an object stream: the header of (number, offset) pairs, and where the first object begins.
-struct ObjectStreamText {
-  std::string text;
-  size_t first;
-};
-ObjectStreamText PackObjects(const std::vector<std::pair<int, std::string>> &objects);
+// A body with a cross-reference stream behind it, which is object `number`, and the end of the file.
+std::string WithXRefStream(const std::string &body, int number, const std::string &entries, std::string_view rows);
 
 // A zlib stream.
 std::string Deflate(std::string_view plain);
