@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "io/memory_file.h"
 
@@ -96,36 +97,25 @@ TEST(Objects, ParseAny) {
 }
 
 template <class T>
-std::string ParseAs(std::string_view text, int &result) {
+std::string ParseAs(std::string_view text) {
   MemorySource source(Bytes(text));
   T object(source);
-  result = object.Parse(255);
-  return Describe(&object);
+  return object.Parse(255) == 0 ? Describe(&object) : "refused";
 }
 
 TEST(Objects, WhatOneClassTakes) {
-  int result;
-  EXPECT_EQ(ParseAs<CPDFArray>(" 5 6", result), "[5/5.0]");  // a lone value
-  EXPECT_EQ(result, 0);
-  ParseAs<CPDFArray>("/A", result);
-  EXPECT_EQ(result, 1);
-  EXPECT_EQ(ParseAs<CPDFDictionary>("rubbish << /A 1 >>", result), "</A 1/1.0;>");
-  EXPECT_EQ(result, 0);
-  for (const char *refused : {"[1]", "no brackets", "rubbish <41>", ""}) {
-    ParseAs<CPDFDictionary>(refused, result);
-    EXPECT_EQ(result, 1) << refused;
-  }
-  const struct {
-    const char *text;
-    int result;
-    uint8_t last;
-  } intros[] = {
+  EXPECT_EQ(ParseAs<CPDFArray>(" 5 6"), "[5/5.0]");  // a lone value
+  EXPECT_EQ(ParseAs<CPDFArray>("/A"), "refused");
+  EXPECT_EQ(ParseAs<CPDFDictionary>("rubbish << /A 1 >>"), "</A 1/1.0;>");
+  for (const char *text : {"[1]", "no brackets", "rubbish <41>", ""})
+    EXPECT_EQ(ParseAs<CPDFDictionary>(text), "refused") << text;
+  const std::tuple<const char *, int, uint8_t> intros[] = {
       {"7 0 obj<<", 0, '<'}, {" 7 0\nobj [", 0, ' '}, {"7 0 R", -1, 'R'}, {"7 obj", -1, 'o'}, {"%PDF", -1, '%'}};
-  for (const auto &c : intros) {
-    MemorySource source(Bytes(c.text));
+  for (const auto &[text, result, last] : intros) {
+    MemorySource source(Bytes(text));
     CPDFObjectIntro intro(source);
-    EXPECT_EQ(intro.Parse(255), c.result) << c.text;
-    EXPECT_EQ(intro.lastChar, c.last) << c.text;
+    EXPECT_EQ(intro.Parse(255), result) << text;
+    EXPECT_EQ(intro.lastChar, last) << text;
   }
 }
 

@@ -62,127 +62,102 @@ TEST(Open, UpdatesOnTopOfEachOther) {
   }
 }
 
-TEST(Open, Refusals) {
+TEST(Open, Results) {
   const std::string good = test::OnePage("n"), stream = test::OnePage("n", "", XRefForm::kStream);
   const std::string noTail = good.substr(0, good.rfind("startxref"));
-  const struct {
-    const char *what;
-    std::string bytes;
-    uint32_t result;
-  } cases[] = {
-      {"empty", "", FilterNoRoot},
-      {"three bytes", "%PD", FilterNoRoot},
-      {"four bytes", "%PDF", FilterNotPdf},
-      {"twenty bytes", "%PDF-1.4 startxref 0", FilterNotPdf},
-      {"leading bytes", "\n" + good, FilterNotPdf},
-      {"no startxref", noTail, FilterNotPdf},
-      {"startxref far from the end", good + std::string(1100, ' '), FilterNotPdf},
-      {"startxref near enough", good + std::string(900, ' '), 0},
-      {"startxref without a number", noTail + "startxref\n%%EOF %%EOF", FilterNotPdf},
-      {"startxref to nowhere", noTail + "startxref\n999999\n%%EOF", FilterNotPdf},
-      {"startxref before the file", noTail + "startxref\n-5\n%%EOF", FilterNotPdf},
-      {"the last of two counts", noTail + "startxref\n1\n" + good.substr(noTail.size()), 0},
-      {"no root", Replaced(good, "/Root 1 0 R", "/Toor 1 0 R"), FilterNoRoot},
-      {"direct root", Replaced(good, "/Root 1 0 R", "/Root <<>>  "), FilterNoRoot},
-      {"no size", Replaced(good, "/Size", "/Zise"), FilterNotPdf},
-      {"no trailer", Replaced(good, "trailer", "trialer"), FilterNotPdf},
-      {"broken trailer ends the chain", Replaced(good, "trailer\n<<", "trailer\n< "), FilterNoRoot},
-      {"trailer without white space", Replaced(good, "trailer\n<<", "trailer<< "), 0},
-      {"encrypted", Replaced(good, "/Size", "/Encrypt 8 0 R /Size"), FilterEncrypted},
-      {"encrypted, said directly", Replaced(good, "/Size", "/Encrypt <<>> /Size"), 0},
-      {"encrypted before all else", Replaced(good, "/Size", "/Encrypt 8 0 R /Zise"), FilterEncrypted},
-      {"stream: encrypted", Replaced(stream, "/Type /XRef", "/Encrypt <<>> /Type /XRef"), FilterEncrypted},
-      {"stream: another type", Replaced(stream, "/Type /XRef", "/Type /XReF"), FilterNotPdf},
-      {"stream: no root", Replaced(stream, "/Root", "/Toor"), FilterNoRoot},
-      {"stream: no widths", Replaced(stream, "/W [1 4 2]", "/V [1 4 2]"), FilterNotPdf},
-      {"stream: two widths", Replaced(stream, "/W [1 4 2]", "/W [1 4]"), FilterNotPdf},
-      {"stream: a width of five", Replaced(stream, "/W [1 4 2]", "/W [1 5 2]"), FilterNotPdf},
-      {"stream: a negative width", Replaced(stream, "/W [1 4 2]", "/W [1 -4 2]"), FilterNotPdf},
-      {"stream: no length", Replaced(stream, "/Length 42", "/Htgnel 42"), FilterNotPdf},
-      {"no catalog", Replaced(good, "1 0 obj", "1 0 jbo"), FilterNotPdf},
-      {"no pages", Replaced(good, "/Pages 2 0 R", "/Segap 2 0 R"), FilterNotPdf},
-      {"pages unknown", Replaced(good, "/Pages 2 0 R", "/Pages 9 0 R"), FilterNotPdf},
+  const auto headed = [&](const char *head) { return Replaced(good, "xref\n0 5\n", head); };
+  const std::pair<std::string, uint32_t> cases[] = {
+      {"", FilterNoRoot},
+      {"%PD", FilterNoRoot},
+      {"%PDF", FilterNotPdf},
+      {"\n" + good, FilterNotPdf},
+      // The last "startxref" counts, near the end only.
+      {noTail, FilterNotPdf},
+      {good + std::string(1100, ' '), FilterNotPdf},
+      {good + std::string(900, ' '), 0},
+      {noTail + "startxref\n%%EOF %%EOF", FilterNotPdf},
+      {noTail + "startxref\n999999\n%%EOF", FilterNotPdf},
+      {noTail + "startxref\n-5\n%%EOF", FilterNotPdf},
+      {noTail + "startxref\n1\n" + good.substr(noTail.size()), 0},
+      // Trailers: a broken one ends the chain, encryption is told before all else.
+      {Replaced(good, "/Root 1 0 R", "/Toor 1 0 R"), FilterNoRoot},
+      {Replaced(good, "/Root 1 0 R", "/Root <<>>  "), FilterNoRoot},
+      {Replaced(good, "/Size", "/Zise"), FilterNotPdf},
+      {Replaced(good, "trailer", "trialer"), FilterNotPdf},
+      {Replaced(good, "trailer\n<<", "trailer\n< "), FilterNoRoot},
+      {Replaced(good, "trailer\n<<", "trailer<< "), 0},
+      {Replaced(good, "/Size", "/Encrypt <<>> /Size"), 0},
+      {Replaced(good, "/Size", "/Encrypt 8 0 R /Zise"), FilterEncrypted},
+      {Replaced(good, "/Size", "/XRefStm 99 /Size"), 0},  // the stream beside the table is not read
+      {Replaced(good, "/Size", "/Prev 0 /Size"), 0},
+      {Replaced(good, "/Size", "/Prev -1 /Size"), 0},
+      {Replaced(good, "/Size", "/Prev 99999 /Size"), 0},
+      // Tables.
+      {headed("xref\r\n0 5\r\n"), 0},
+      {headed(" \n xref \n\n 0  5 \n"), 0},
+      {headed("xref\n0 0\n0 5\n"), 0},
+      {headed("xref\n-\n0 5\n"), 0},
+      {headed("xref\n0 2000000000\n"), FilterNotPdf},
+      // Cross-reference streams.
+      {Replaced(stream, "/Type /XRef", "/Encrypt <<>> /Type /XRef"), FilterEncrypted},
+      {Replaced(stream, "/Type /XRef", "/Type /XReF"), FilterNotPdf},
+      {Replaced(stream, "/Root", "/Toor"), FilterNoRoot},
+      {Replaced(stream, "/W [1 4 2]", "/V [1 4 2]"), FilterNotPdf},
+      {Replaced(stream, "/W [1 4 2]", "/W [1 4]"), FilterNotPdf},
+      {Replaced(stream, "/W [1 4 2]", "/W [1 5 2]"), FilterNotPdf},
+      {Replaced(stream, "/W [1 4 2]", "/W [1 -4 2]"), FilterNotPdf},
+      {Replaced(stream, "/Length 42", "/Htgnel 42"), FilterNotPdf},
+      // The way to the pages.
+      {Replaced(good, "1 0 obj", "1 0 jbo"), FilterNotPdf},
+      {Replaced(good, "/Pages 2 0 R", "/Segap 2 0 R"), FilterNotPdf},
+      {Replaced(good, "/Pages 2 0 R", "/Pages 9 0 R"), FilterNotPdf},
   };
-  for (const auto &c : cases) {
-    OpenedPdf pdf(c.bytes);
-    EXPECT_EQ(pdf.result, c.result) << c.what;
-    EXPECT_EQ(pdf.info.pageCount, c.result == 0 ? 1 : 0) << c.what;
+  for (const auto &[bytes, result] : cases) {
+    OpenedPdf pdf(bytes);
+    EXPECT_EQ(pdf.result, result) << bytes;
+    EXPECT_EQ(pdf.info.pageCount, result == 0 ? 1 : 0) << bytes;
   }
 }
 
 TEST(Open, SectionsThatLeadInACircleAreReadOnce) {
-  const std::string old = test::OnePage("n");
-  const std::string table = old.substr(old.rfind("startxref\n") + 10, 3);
-  OpenedPdf itself(Replaced(old, "/Size", "/Prev " + table + " /Size"));
-  EXPECT_EQ(itself.result, 0u);
-  EXPECT_EQ(itself.file.xrefTable().blocks().size(), 1u);
-
-  std::string newer =
-      PdfBuilder().Object(9, "1").Build(XRefForm::kClassic, Replaced(old, "/Size", "/Prev 00000 /Size"));
-  const std::string position = newer.substr(newer.rfind("startxref\n") + 10, 3);
-  OpenedPdf two(Replaced(newer, "/Prev 00000", "/Prev 00" + position));
-  EXPECT_EQ(two.result, 0u);
-  EXPECT_EQ(two.info.pageCount, 1);
-  EXPECT_EQ(two.file.xrefTable().blocks().size(), 2u);
-
-  for (const char *nowhere : {"0", "-1", "99999"}) {
-    EXPECT_EQ(OpenedPdf(Replaced(old, "/Size", std::string("/Prev ") + nowhere + " /Size")).result, 0u) << nowhere;
-  }
+  const std::string old = Replaced(test::OnePage("n"), "/Size", "/Prev 00000 /Size");
+  const auto circle = [](const std::string &bytes) {
+    OpenedPdf pdf(Replaced(bytes, "/Prev 00000", "/Prev 00" + bytes.substr(bytes.rfind("startxref\n") + 10, 3)));
+    EXPECT_EQ(pdf.result, 0u);
+    EXPECT_EQ(pdf.info.pageCount, 1);
+    return pdf.file.xrefTable().blocks().size();
+  };
+  EXPECT_EQ(circle(old), 1u);
+  EXPECT_EQ(circle(PdfBuilder().Object(9, "1").Build(XRefForm::kClassic, old)), 2u);
 }
 
-TEST(Open, TablesAsTheyCome) {
-  const std::string good = test::OnePage("n");
-  const size_t table = good.rfind("xref\n0 5\n");
-  const auto with = [&](std::string_view head) {
-    return good.substr(0, table) + std::string(head) + good.substr(table + 9);
-  };
-  const struct {
-    const char *what;
-    std::string bytes;
-    bool found;
-  } cases[] = {
-      {"carriage return and line feed", with("xref\r\n0 5\r\n"), true},
-      {"white space around", with(" \n xref \n\n 0  5 \n"), true},
-      {"empty section first", with("xref\n0 0\n0 5\n"), true},
-      {"a line of no numbers", with("xref\n-\n0 5\n"), true},
-      {"announces more than there is", with("xref\n0 2000000000\n"), false},
-      {"hybrid: the stream beside the table is not read", Replaced(good, "/Size", "/XRefStm 99 /Size"), true},
-  };
-  for (const auto &c : cases) EXPECT_EQ(OpenedPdf(c.bytes).result == 0, c.found) << c.what;
-}
-
-// Rows of type, position and generation with widths and ranges of their own.
+// Rows of type and position with widths and ranges of their own.
 TEST(Open, CrossReferenceStreams) {
   const std::string body =
       "%PDF-1.5\n1 0 obj<</Pages 2 0 R>>endobj\n2 0 obj<</Type/Pages/Kids[3 0 R]>>endobj\n3 0 obj<</Type/Page>>\n";
-  const auto at = [&](const char *object) { return test::BigEndian(body.find(object), 2); };
-  const std::string one = "\1" + at("1 0 obj"), two = "\1" + at("2 0 obj"), three = "\1" + at("3 0 obj");
-  const std::string skipped = std::string("\7") + std::string(2, '\0');
-  const auto document = [&](const std::string &entries, const std::string &rows) {
-    return body + "9 0 obj<</Type/XRef/Root 1 0 R " + entries + "/Length " + std::to_string(rows.size()) +
-           ">>stream\n" + rows + "\nendstream startxref " + std::to_string(body.size()) + " %%EOF";
-  };
+  const auto at = [&](const char *object) { return "\1" + test::BigEndian(body.find(object), 2); };
+  const std::string one = at("1 0 obj"), two = at("2 0 obj"), three = at("3 0 obj"), all = one + two + three;
+  const std::string unknown = "\7" + test::BigEndian(0, 2);
   const struct {
-    const char *what;
-    std::string bytes;
+    const char *entries;
+    std::string rows;
     int pages;  // -1: refused
     size_t blocks;
   } cases[] = {
-      {"plain", document("/W[1 2 0]/Index[1 3]/Size 4", one + two + three), 1, 1},
-      {"two ranges", document("/W[1 2 0]/Index[3 1 1 2]/Size 4", three + one + two), 1, 2},
-      {"without ranges from 0 to the size", document("/W[1 2 0]/Size 4", skipped + one + two + three), -1, 1},
-      {"more announced than there is", document("/W[1 2 0]/Index[1 2000000000]/Size 4", one + two + three), 1, 1},
-      {"an unknown type moves later entries down", document("/W[1 2 0]/Index[1 4]/Size 4", one + skipped + two + three),
-       1, 1},
-      {"no width for the type: all are free", document("/W[0 2 0]/Index[1 3]/Size 4", one + two + three), -1, 1},
-      {"no width at all", document("/W[0 0 0]/Index[1 3]/Size 4", one + two + three), -1, 0},
-      {"odd ranges", document("/W[1 2 0]/Index[1 3 7]/Size 4", one + two + three), 1, 1},
-      {"a negative count", document("/W[1 2 0]/Index[7 -3 1 3]/Size 4", one + two + three), 1, 1},
+      {"/W[1 2 0]/Index[1 3]", all, 1, 1},
+      {"/W[1 2 0]/Index[3 1 1 2]", three + one + two, 1, 2},
+      {"/W[1 2 0]", unknown + all, -1, 1},  // from 0 on; an unknown type moves later entries down
+      {"/W[1 2 0]/Index[1 4]", one + unknown + two + three, 1, 1},
+      {"/W[1 2 0]/Index[1 2000000000]", all, 1, 1},
+      {"/W[0 2 0]/Index[1 3]", all, -1, 1},  // no width for the type: all are free
+      {"/W[0 0 0]/Index[1 3]", all, -1, 0},
+      {"/W[1 2 0]/Index[1 3 7]", all, 1, 1},
+      {"/W[1 2 0]/Index[7 -3 1 3]", all, 1, 1},
   };
   for (const auto &c : cases) {
-    OpenedPdf pdf(c.bytes);
-    EXPECT_EQ(pdf.result == 0 ? pdf.info.pageCount : -1, c.pages) << c.what;
-    EXPECT_EQ(pdf.file.xrefTable().blocks().size(), c.blocks) << c.what;
+    OpenedPdf pdf(test::WithXRefStream(body, 9, std::string("/Root 1 0 R/Size 4") + c.entries, c.rows));
+    EXPECT_EQ(pdf.result == 0 ? pdf.info.pageCount : -1, c.pages) << c.entries;
+    EXPECT_EQ(pdf.file.xrefTable().blocks().size(), c.blocks) << c.entries;
   }
 }
 
