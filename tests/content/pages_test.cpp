@@ -108,7 +108,8 @@ TEST(Pages, FirstRecordsAreChained) {
   EXPECT_EQ(std::u16string(second.layerName), u"PDF");
   const auto layer = LoadAs<LayerDefPayload>(second.payload);
   EXPECT_EQ(layer.color, 7u);
-  EXPECT_EQ(layer.width, -2.0);
+  const double width = layer.width;
+  EXPECT_EQ(width, -2.0);
   EXPECT_EQ(std::u16string(layer.lineType), u"Continuous");
   ASSERT_EQ(interpreter.InterpretNext(record), 0u);
   EXPECT_EQ(Describe(record), "fill 256 w1 o100 0,0 1,1 2,0 0,0");

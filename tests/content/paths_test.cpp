@@ -61,19 +61,24 @@ TEST(Paths, Painting) {
 }
 
 TEST(Paths, Curves) {
-  const auto points = [](const std::string &content) {
-    const std::string drawn = Drawn(content);
-    return std::pair(std::count(drawn.begin(), drawn.end(), ','),
-                     drawn.substr(std::min(drawn.size(), drawn.rfind(' '))));
+  const struct {
+    const char *content;
+    int points;
+    std::string last;
+  } cases[] = {
+      {"0 0 m 1 0 1 1 2 1 c S", 11, " 2,1"},
+      {"0 0 m 1 0 1 1 c S", 0, ""},
+      {"1 0 1 1 2 1 c S", 0, ""},  // nothing to start from
+      {"1 0 2 1 v S", 0, ""},
+      {"0 0 m 1 0 2 1 v 3 3 l S", 12, " 3,3"},
+      {"0 0 m 1 0 2 1 y S", 11, " 2,1"},
+      {"0 0 m 100 0 100 0 200 0 c S", 353, " 200,0"},  // 70.56 mm in steps of 0.2
   };
-  const std::pair none(0L, std::string());
-  EXPECT_EQ(points("0 0 m 1 0 1 1 2 1 c S"), std::pair(11L, std::string(" 2,1")));
-  EXPECT_EQ(points("0 0 m 1 0 1 1 c S"), none);
-  EXPECT_EQ(points("1 0 1 1 2 1 c S"), none);  // nothing to start from
-  EXPECT_EQ(points("1 0 2 1 v S"), none);
-  EXPECT_EQ(points("0 0 m 1 0 2 1 v 3 3 l S"), std::pair(12L, std::string(" 3,3")));
-  EXPECT_EQ(points("0 0 m 1 0 2 1 y S"), std::pair(11L, std::string(" 2,1")));
-  EXPECT_EQ(points("0 0 m 100 0 100 0 200 0 c S"), std::pair(353L, std::string(" 200,0")));  // 70.56 mm in steps of 0.2
+  for (const auto &c : cases) {
+    const std::string drawn = Drawn(c.content);
+    EXPECT_EQ(std::count(drawn.begin(), drawn.end(), ','), c.points) << c.content;
+    EXPECT_EQ(drawn.substr(std::min(drawn.size(), drawn.rfind(' '))), c.last) << c.content;
+  }
   // The current point doubled, and the end doubled, are the full form.
   EXPECT_EQ(Drawn("5 5 m 20 7 30 9 v S"), Drawn("5 5 m 5 5 20 7 30 9 c S"));
   EXPECT_EQ(Drawn("5 5 m 20 7 30 9 y S"), Drawn("5 5 m 20 7 30 9 30 9 c S"));
