@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <mutex>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -45,7 +46,7 @@ class Watchdog {
   std::thread thread_;
 };
 
-bool Replay(const std::filesystem::path &path) {
+bool Replay(const std::filesystem::path &path, std::chrono::seconds limit) {
   std::ifstream file(path, std::ios::binary);
   if (!file) {
     std::fprintf(stderr, "cannot read %s\n", path.string().c_str());
@@ -57,7 +58,7 @@ bool Replay(const std::filesystem::path &path) {
   std::fflush(stdout);
   const auto start = std::chrono::steady_clock::now();
   {
-    const Watchdog watchdog(std::chrono::seconds(10));
+    const Watchdog watchdog(limit);
     LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(bytes.data()), bytes.size());
   }
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
@@ -69,7 +70,12 @@ bool Replay(const std::filesystem::path &path) {
 
 int main(int argc, char **argv) {
   std::vector<std::filesystem::path> files;
+  std::chrono::seconds limit(10);
   for (int i = 1; i < argc; ++i) {
+    if (std::string_view(argv[i]) == "--seconds" && i + 1 < argc) {
+      limit = std::chrono::seconds(std::atoi(argv[++i]));
+      continue;
+    }
     if (!std::filesystem::is_directory(argv[i])) {
       files.emplace_back(argv[i]);
       continue;
@@ -81,6 +87,6 @@ int main(int argc, char **argv) {
   std::sort(files.begin(), files.end());
   if (files.empty()) std::fprintf(stderr, "no files to replay\n");
   bool ok = !files.empty();
-  for (const auto &file : files) ok = Replay(file) && ok;
+  for (const auto &file : files) ok = Replay(file, limit) && ok;
   return ok ? 0 : 1;
 }

@@ -147,12 +147,12 @@ void AddPageTreeBombs(SeedFolder &folder) {
   folder.Add("tree_doubled", doubled.Object(66, "<</Type /Page>>").Build());
   folder.Add("tree_chain", chain.Object(100'000, "<</Type /Page>>").Build());
   folder.Add("tree_same_page", tree()
-                                   .Object(2, "<</Type /Pages /Kids [" + Repeated("3 0 R ", 1'500'000) + "]>>")
+                                   .Object(2, "<</Type /Pages /Kids [" + Repeated("3 0 R ", 300'000) + "]>>")
                                    .Object(3, "<</Type /Page>>")
                                    .Build());
   folder.Add("tree_same_large_page", tree()
-                                         .Object(2, "<</Type /Pages /Kids [" + Repeated("3 0 R ", 100'000) + "]>>")
-                                         .Object(3, "<</Type /Page /A [" + Repeated("1 ", 500'000) + "]>>")
+                                         .Object(2, "<</Type /Pages /Kids [" + Repeated("3 0 R ", 10'000) + "]>>")
+                                         .Object(3, "<</Type /Page /A [" + Repeated("1 ", 100'000) + "]>>")
                                          .Build());
 }
 
