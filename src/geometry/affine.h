@@ -28,8 +28,12 @@ inline Affine operator*(const Affine &first, const Affine &second) {
 
 // Factor for line widths: the larger of the two axis scales, taken along the direction of the x axis, with its sign.
 inline double AxisScale(const Affine &m) {
-  const double angle = std::atan2(m.b, m.a);
-  const double cosine = std::cos(angle), sine = std::sin(angle);
+  double cosine = 1, sine = 0;
+  if (m.b != 0 || !(m.a > 0)) {  // most pages turn nothing
+    const double angle = std::atan2(m.b, m.a);
+    cosine = std::cos(angle);
+    sine = std::sin(angle);
+  }
   double sx = std::fabs(m.a) > 1e-6 ? m.a / cosine : m.b / sine;
   double sy = std::fabs(m.d) > 1e-6 ? m.d / cosine : -m.c / sine;
   if (!std::isfinite(sx)) sx = 0;

@@ -41,10 +41,9 @@ TEST(Statements, EndWhereTheyShould) {
       {"0 0 m 10 10 l/x S", line},  // words end at a slash and at brackets
       {"0 0 m 10 10 l[1 (]) 2]S", line},
       {"0 0 m 10 10 l<41>S", line},
-      {"0 0 m <</A (>>) l>> 10 10 l S", ""},  // the text of the array is no number
-      {"/m 0 0 m /l 10 10 l S", ""},          // nor is a name
-      {"0 0 m 10 10 l (a(b)S) S", line},      // the first ) ends the string
-      {"0 0 m 10 10 l (a\\)S) S", line},
+      {"0 0 m <</A (>>) l>> 10 10 l S", ""},    // the text of the array is no number
+      {"/m 0 0 m /l 10 10 l S", ""},            // nor is a name
+      {"0 0 m 10 10 l (a(b)S) S", line},        // the first ) ends the string
       {"0 0 m 10 10 l [(a S", ""},              // an open array takes all that follows
       {"0 0 m 10 10 l ABCDEFGH ABCD S", line},  // no operators
   };
