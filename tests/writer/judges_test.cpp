@@ -2,6 +2,7 @@
 #include <array>
 #include <cstdlib>
 #include <fstream>
+#include <vector>
 
 #include "sheet.h"
 
@@ -21,34 +22,17 @@ std::string WriteDrawing(const Workspace &workspace, const char *name, double si
   sheet.DrawLine(0, 0, 200 * s, 100 * s, 0, u"Hidden");
   double zigzag[] = {10, 60, 20, 90, 30, 60, 40, 90, 50, 60};
   for (double &value : zigzag) value *= s;
-  PolylinePayload polyline{};
-  polyline.width = 2;
-  polyline.vertexCount = 5;
-  polyline.vertices = zigzag;
-  sheet.Draw(ElemPolyline, polyline, u"Areas", 4);
+  sheet.Draw(ElemPolyline, PolylinePayload{2, 0, 5, 0, zigzag, 0, 0, {}, 0, {}}, u"Areas", 4);
   sheet.Draw(ElemCircle, CirclePayload{1, 90 * s, 75 * s, 15 * s}, u"Areas", 0x8000A0FF);
   sheet.Draw(ElemArc, ArcPayload{3, 90 * s, 30 * s, 15 * s, 4.0, -0.5}, u"Areas", 5);
   sheet.Draw(ElemEllipseArc, EllipseArcPayload{1, 140 * s, 70 * s, 25 * s, 10 * s, 0.6, 0, 0}, u"Areas", 6);
   sheet.Draw(ElemSolid, SolidPayload{110 * s, 10 * s, 130 * s, 10 * s, 125 * s, 30 * s, 115 * s, 30 * s}, u"Walls");
-  for (uint32_t style : {0u, 2u}) {
-    PointPayload point{};
-    point.size = 6 * s;
-    point.x = (110 + 10 * style) * s;
-    point.y = 42 * s;
-    point.pointStyle = style;
-    sheet.Draw(ElemPoint, point, u"Areas", 7);
-  }
+  for (uint32_t style : {0u, 2u})
+    sheet.Draw(ElemPoint, PointPayload{6 * s, (110 + 10 * style) * s, 42 * s, {}, style}, u"Areas", 7);
   double holed[] = {140, 5, 195, 5, 195, 50, 140, 50, 155, 15, 180, 15, 180, 40, 155, 40};
   for (double &value : holed) value *= s;
   uint32_t starts[] = {0, 4, 8};
-  FilledPolygonPayload polygon{};
-  polygon.width = 1;
-  polygon.contourCount = 2;
-  polygon.contourStarts = starts;
-  polygon.vertexCount = 8;
-  polygon.vertices = holed;
-  polygon.opacity = 40;
-  polygon.strokeToo = 1;
+  const FilledPolygonPayload polygon{1, 2, starts, 8, holed, 40, 0, 0, 1, {}};
   sheet.Draw(ElemFilledPolygon, polygon, u"Areas", 0x80208020);
   sheet.writer().EndSection(4);
   sheet.Finish();
@@ -85,33 +69,32 @@ TEST(Judges, AcceptWhatIsWritten) {
 }
 
 // How many pixels a reader paints in each of three places: a hidden line, the fill and the hole of the clear polygon.
+// What a reader paints in four places.
 TEST(Judges, SeeLayersHolesAndOpacity) {
   if (!kLinux || std::getenv("KAPDF_NO_JUDGES")) GTEST_SKIP() << "the judges run on Linux";
   const Workspace workspace;
-  const std::string file = WriteDrawing(workspace, "seen.pdf");
-  ASSERT_EQ(Output("mutool draw -q -r 72 -c rgb -A 0 -o seen.pnm " + file), "[0]");
+  ASSERT_EQ(Output("mutool draw -q -r 72 -c rgb -A 0 -o seen.pnm " + WriteDrawing(workspace, "seen.pdf")), "[0]");
   std::ifstream image("seen.pnm", std::ios::binary);
   std::string magic;
-  int width = 0, height = 0, most = 0;
+  size_t width = 0, height = 0, most = 0;
   image >> magic >> width >> height >> most;
   ASSERT_EQ(magic, "P6");
   image.get();
-  const std::string pixels(std::istreambuf_iterator<char>(image), {});
-  ASSERT_EQ(pixels.size(), static_cast<size_t>(width) * static_cast<size_t>(height) * 3);
+  const std::vector<uint8_t> pixels(std::istreambuf_iterator<char>(image), {});
+  ASSERT_EQ(pixels.size(), width * height * 3);
+  using Color = std::array<int, 3>;
   const auto at = [&](double x, double y) {  // millimetres of the drawing, whose frame is 2 mm wide
     const auto column = static_cast<size_t>((x + 2) * 72 / 25.4);
-    const auto row = static_cast<size_t>(height - (y + 2) * 72 / 25.4);
-    const auto *rgb =
-        reinterpret_cast<const uint8_t *>(pixels.data()) + (row * static_cast<size_t>(width) + column) * 3;
-    return std::array<int, 3>{rgb[0], rgb[1], rgb[2]};
+    const auto row = height - static_cast<size_t>((y + 2) * 72 / 25.4) - 1;
+    const uint8_t *rgb = pixels.data() + (row * width + column) * 3;
+    return Color{rgb[0], rgb[1], rgb[2]};
   };
-  const std::array<int, 3> white = {255, 255, 255};
-  EXPECT_EQ(at(100, 50), white) << "a layer that is off";
-  EXPECT_EQ(at(167, 27), white) << "a hole";
-  const std::array<int, 3> clear = at(147, 27);
+  EXPECT_EQ(at(100, 50), (Color{255, 255, 255})) << "a layer that is off";
+  EXPECT_EQ(at(167, 27), (Color{255, 255, 255})) << "a hole";
+  EXPECT_EQ(at(120, 20), (Color{255, 0, 0})) << "a solid in its layer's colour";
+  const Color clear = at(147, 27);
   EXPECT_NEAR(clear[0], 255 - 0.4 * (255 - 0x20), 3);
   EXPECT_NEAR(clear[1], 255 - 0.4 * (255 - 0x80), 3);
-  EXPECT_EQ(at(120, 20), (std::array<int, 3>{255, 0, 0})) << "a solid in its layer's colour";
 }
 
 }  // namespace

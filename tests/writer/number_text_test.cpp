@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <limits>
 #include <random>
 #include <string>
 
@@ -31,34 +30,9 @@ std::string Judge(double value) {
 void Agree(double value) { ASSERT_EQ(Fixed3(value), Judge(value)) << std::hexfloat << value; }
 
 TEST(NumberText, RoundsAsTheCLibraryDoes) {
-  for (double value : {0.0,
-                       -0.0,
-                       0.0005,
-                       0.0015,
-                       0.0025,
-                       0.0625,
-                       0.1875,
-                       0.5,
-                       2.5,
-                       1.0005,
-                       2.8346456692913384,
-                       999.9995,
-                       0.00049999999999999999,
-                       -0.0004,
-                       -0.0005,
-                       5e-324,
-                       -5e-324,
-                       0x1p-11,
-                       0x1.0624dd2f1a9fcp-11,
-                       0x1p-64,
-                       9007199254740991.0,
-                       9007199254740992.0,
-                       9007199254740994.0,
-                       4503599627370495.5,
-                       1e22,
-                       1e300,
-                       std::numeric_limits<double>::max(),
-                       std::numeric_limits<double>::min()}) {
+  for (double value : {0.0, 0.0005, 0.0625, 0.1875, 1.0005, 999.9995, 2.8346456692913384, -0.0004, 5e-324, 0x1p-11,
+                       0x1.0624dd2f1a9fcp-11, 9007199254740991.0, 9007199254740992.0, 4503599627370495.5, 1e22,
+                       1.7976931348623157e308}) {
     Agree(value);
     Agree(-value);
     Agree(std::nextafter(value, 1e308));
@@ -78,10 +52,9 @@ TEST(NumberText, RoundsAsTheCLibraryDoes) {
 }
 
 TEST(NumberText, WritesNothingThatIsNotANumber) {
-  EXPECT_EQ(Fixed3(std::numeric_limits<double>::infinity()), "0.000");
-  EXPECT_EQ(Fixed3(-std::numeric_limits<double>::infinity()), "0.000");
-  EXPECT_EQ(Fixed3(std::nan("")), "0.000");
-  EXPECT_EQ(Fixed3(-std::nan("")), "0.000");
+  for (const double value :
+       {static_cast<double>(INFINITY), -static_cast<double>(INFINITY), std::nan(""), -std::nan("")})
+    EXPECT_EQ(Fixed3(value), "0.000");
 }
 
 TEST(NumberText, ColorComponentsAreHundredths) {

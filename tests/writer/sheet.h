@@ -89,13 +89,6 @@ class Sheet {
     EXPECT_EQ(writer_->Define(RecordOf(ElemLayerDef, &layer)), FilterConsumed);
     return *this;
   }
-  Sheet &LineType(std::u16string name, uint32_t segments) {
-    LineTypeDefPayload type{};
-    type.name = name.data();
-    type.segmentCount = segments;
-    EXPECT_EQ(writer_->Define(RecordOf(ElemLineTypeDef, &type)), FilterConsumed);
-    return *this;
-  }
   template <class Payload>
   uint32_t Draw(uint32_t kind, Payload payload, std::u16string_view layer = u"A", uint32_t color = 256) {
     ElementRecord record = RecordOf(kind, &payload, layer, color);
@@ -107,9 +100,6 @@ class Sheet {
   }
   std::string Finish() {
     writer_->Finish();
-    return Bytes();
-  }
-  std::string Bytes() {
     writer_.reset();
     stream_.reset();
     std::ifstream file(std::filesystem::path(name_), std::ios::binary);
@@ -133,26 +123,23 @@ inline std::string Inflate(std::string_view coded) {
   return plain;
 }
 
-// Content of the only Flate stream.
-inline std::string ContentOf(const std::string &file) {
-  const size_t head = file.find("/FlateDecode\r>>\rstream\r\n");
-  if (head == std::string::npos) return {};
-  const size_t start = head + 24;
-  return Inflate(std::string_view(file).substr(start, file.find("\nendstream\rendobj\r", start) - start));
-}
-
-// The date of the Info dictionary, which is the only thing that differs from run to run.
-inline std::string WithoutDate(const std::string &file) {
-  static const std::regex date(R"(\(D:\d{14}\))");
-  EXPECT_TRUE(std::regex_search(file, date));
-  return std::regex_replace(file, date, "(D:)", std::regex_constants::format_first_only);
-}
-
 // Text between two marks, marks left out.
 inline std::string Between(const std::string &text, std::string_view from, std::string_view to) {
   const size_t start = text.find(from);
   if (start == std::string::npos) return "no " + std::string(from);
   return text.substr(start + from.size(), text.find(to, start + from.size()) - start - from.size());
+}
+
+// Content of the only Flate stream.
+inline std::string ContentOf(const std::string &file) {
+  if (file.find("/FlateDecode") == std::string::npos) return {};
+  return Inflate(Between(file, "/FlateDecode\r>>\rstream\r\n", "\nendstream\rendobj\r"));
+}
+
+// The date of the Info dictionary is the only thing that differs from run to run.
+inline std::string WithoutDate(const std::string &file) {
+  static const std::regex date(R"(\(D:\d{14}\))");
+  return std::regex_replace(file, date, "(D:)", std::regex_constants::format_first_only);
 }
 
 }  // namespace kapdf
