@@ -4,12 +4,13 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
 namespace kapdf::test {
 
-// In the current folder, open for reading and writing, at its start. std::tmpfile asks for rights on Windows that a
+// In the system's folder for such files, open for reading and writing, at its start. std::tmpfile asks for rights on Windows that a
 // test does not have.
 class TempFile {
  public:
@@ -36,7 +37,8 @@ class TempFile {
  private:
   static std::string NewName() {
     static std::atomic<unsigned> count{0};
-    return "bytes-" + std::to_string(reinterpret_cast<size_t>(&count)) + "-" + std::to_string(++count) + ".tmp";
+    const std::string name = "kapdf-" + std::to_string(reinterpret_cast<size_t>(&count)) + "-" + std::to_string(++count);
+    return (std::filesystem::temp_directory_path() / name).string();
   }
 
   std::string path_;
