@@ -10,8 +10,8 @@
 
 namespace kapdf::test {
 
-// In the system's folder for such files, open for reading and writing, at its start. std::tmpfile asks for rights on Windows that a
-// test does not have.
+// In the system's folder for such files, open for reading and writing, at its start. std::tmpfile asks for rights on
+// Windows that a test does not have.
 class TempFile {
  public:
   explicit TempFile(std::string_view bytes) : path_(NewName()), stream_(std::fopen(path_.c_str(), "w+b")) {
@@ -37,7 +37,8 @@ class TempFile {
  private:
   static std::string NewName() {
     static std::atomic<unsigned> count{0};
-    const std::string name = "kapdf-" + std::to_string(reinterpret_cast<size_t>(&count)) + "-" + std::to_string(++count);
+    const std::string name =
+        "kapdf-" + std::to_string(reinterpret_cast<size_t>(&count)) + "-" + std::to_string(++count);
     return (std::filesystem::temp_directory_path() / name).string();
   }
 
