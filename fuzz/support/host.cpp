@@ -1,5 +1,6 @@
 #include "support/host.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -150,14 +151,14 @@ void Require(bool condition, const char *text) {
   std::abort();
 }
 
-uint32_t ImportAllPages(const char16_t *path) {
+uint32_t ImportPages(const char16_t *path, int most) {
   const FilterPointer filter(new CPDFFilter(kSettingsPath, false));
   FileInfo info{};
   const uint32_t first = filter->OpenRead(path, &info, nullptr, nullptr, nullptr, nullptr);
   uint32_t result = first;
   for (;;) {
     if (result == FilterOk) TakePage(*filter);
-    if (++info.pageIndex >= info.pageCount || info.pageIndex >= kPagesPerInput) break;
+    if (++info.pageIndex >= info.pageCount || info.pageIndex >= most) break;
     result = filter->OpenRead(path, &info, nullptr, nullptr, nullptr, nullptr);
   }
   return first;
@@ -165,7 +166,8 @@ uint32_t ImportAllPages(const char16_t *path) {
 
 uint32_t ImportBytes(std::string_view bytes) {
   const test::TempFile file(bytes);
-  return ImportAllPages(file.path16().c_str());
+  const size_t pages = (size_t{256} << 10) / std::max<size_t>(bytes.size(), 1);
+  return ImportPages(file.path16().c_str(), static_cast<int>(std::clamp<size_t>(pages, 1, 20)));
 }
 
 }  // namespace kapdf::fuzz

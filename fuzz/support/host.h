@@ -15,15 +15,14 @@ struct FilterDestroyer {
 };
 using FilterPointer = std::unique_ptr<CPDFFilter, FilterDestroyer>;
 
-inline constexpr int kPagesPerInput = 20;
 inline constexpr char16_t kSettingsPath[] = u"Software\\kaPDF-fuzz";
 
 // Prints the text and ends the process, as a sanitizer would, unless the condition holds.
 void Require(bool condition, const char *text);
 
-// Reads all pages, at most `kPagesPerInput`, to their ends. Gives the result of the first page's `OpenRead`.
-uint32_t ImportAllPages(const char16_t *path);
-// The same for bytes, which stand in a temporary file meanwhile.
+// Reads the first pages to their ends, each after an `OpenRead` of its own. Gives the result of the first one.
+uint32_t ImportPages(const char16_t *path, int most = 20);
+// The same for bytes, which stand in a temporary file meanwhile. A large file is opened less often.
 uint32_t ImportBytes(std::string_view bytes);
 
 }  // namespace kapdf::fuzz
