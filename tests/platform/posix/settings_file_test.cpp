@@ -44,11 +44,6 @@ TEST_F(SettingsFile, ReadingNeverMakesTheFile) {
   EXPECT_TRUE(std::filesystem::is_empty(folder_));
 }
 
-TEST_F(SettingsFile, TheDefaultPathIsTheSection) {
-  Put("[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=4\n");
-  EXPECT_EQ(4, key_.ReadInteger(u"A", 3));
-}
-
 TEST_F(SettingsFile, ChangesShowAtOnce) {
   for (int i = 0; i < 50; ++i) {  // the same size each time, within one tick of the file system's clock
     Put("[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=" + std::to_string(10 + i));
@@ -69,15 +64,14 @@ TEST_F(SettingsFile, IsFoundInTheUsersFolders) {
 }
 
 TEST_F(SettingsFile, LinksAndRightsStay) {
-  std::ofstream(folder_ / "real.ini") << "; mine\n";
-  chmod((folder_ / "real.ini").c_str(), 0600);
+  Put("; mine\n");
+  std::filesystem::rename(path_, folder_ / "real.ini");
+  std::filesystem::permissions(folder_ / "real.ini", std::filesystem::perms(0600));
   std::filesystem::create_symlink("real.ini", path_);
   ASSERT_TRUE(key_.WriteInteger(u"A", 1));
   EXPECT_TRUE(std::filesystem::is_symlink(path_));
   EXPECT_EQ("; mine\n\n[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=1\n", Get());
-  struct stat status = {};
-  ASSERT_EQ(0, stat(path_.c_str(), &status));
-  EXPECT_EQ(0600u, status.st_mode & 0777);
+  EXPECT_EQ(std::filesystem::perms(0600), std::filesystem::status(path_).permissions());
 }
 
 TEST_F(SettingsFile, WritersAtTheSameTimeLoseNothing) {
