@@ -86,19 +86,20 @@ TEST(Dashes, CutEveryKindAlongItsLength) {
 TEST(Dashes, EllipseIsCutByLengthNotByAngle) {
   // A slim ellipse: a quarter turn by the parameter at its side is much longer than one at its end.
   std::vector<double> lengths;
+  const auto measure = [&](ElementRecord &piece) {
+    const auto arc = ArcOf(piece);
+    double length = 0;
+    for (int i = 0; i < 1000; ++i) {
+      const Point a = arc->At(arc->start + arc->sweep * i / 1000);
+      const Point b = arc->At(arc->start + arc->sweep * (i + 1) / 1000);
+      length += std::hypot(b.x - a.x, b.y - a.y);
+    }
+    lengths.push_back(length);
+    return true;
+  };
   ForEach("{\"kind\":\"ellipseArc\",\"center\":[5,5],\"majorRadius\":100,\"minorRadius\":1,\"rotation\":0.3}",
           [&](const ElementRecord &element) {
-            BreakIntoDashes(element, {10, -10}, [&](ElementRecord &piece) {
-              const auto arc = ArcOf(piece);
-              double length = 0;
-              for (int i = 0; i < 1000; ++i) {
-                const Point a = arc->At(arc->start + arc->sweep * i / 1000);
-                const Point b = arc->At(arc->start + arc->sweep * (i + 1) / 1000);
-                length += std::hypot(b.x - a.x, b.y - a.y);
-              }
-              lengths.push_back(length);
-              return true;
-            });
+            BreakIntoDashes(element, {10, -10}, measure);
           });
   ASSERT_EQ(lengths.size(), 21u);
   lengths.pop_back();
@@ -141,31 +142,25 @@ TEST(Svg, DrawsEachKindWithItsInk) {
   for (const char *text : wanted) EXPECT_NE(svg.find(text), std::string::npos) << text << "\n" << svg;
 }
 
-std::vector<std::string> Groups(const std::string &svg) {
-  std::vector<std::string> labels;
-  for (size_t at = 0; (at = svg.find("inkscape:label=\"", at)) != std::string::npos;) {
-    at += 16;
-    labels.push_back(svg.substr(at, svg.find('"', at) - at));
-  }
+// The layers of the groups in their order.
+std::string Groups(const std::string &lines) {
+  const std::string svg = Svg(lines), mark = "inkscape:label=\"";
+  std::string labels;
+  for (size_t at = 0; (at = svg.find(mark, at)) != std::string::npos;) labels += svg[at += mark.size()];
   return labels;
 }
 
 TEST(Svg, ALayerStaysOneGroupUntilAFillWouldChangePlaces) {
-  const auto line = [](const char *layer, int y) {
-    return "{\"kind\":\"line\",\"layer\":\"" + std::string(layer) + "\",\"points\":[[0," + std::to_string(y) + "],[9," +
-           std::to_string(y) + "]]}\n";
+  const auto line = [](const std::string &layer, const std::string &y) {
+    return "{\"kind\":\"line\",\"layer\":\"" + layer + "\",\"points\":[[0," + y + "],[9," + y + "]]}\n";
   };
   const std::string fill = "{\"kind\":\"polygon\",\"layer\":\"F\",\"contours\":[[[0,0],[9,0],[9,9]]]}\n";
-  using Labels = std::vector<std::string>;
-  EXPECT_EQ(Groups(Svg(line("A", 1) + line("B", 1) + line("A", 2))), (Labels{"A", "B"}));
-  EXPECT_EQ(Groups(Svg(line("A", 1) + fill + line("A", 2))), (Labels{"A", "F", "A"}));
-  EXPECT_EQ(Groups(Svg(line("A", 1) + fill + line("A", 50))), (Labels{"A", "F"}));
-  EXPECT_EQ(Groups(Svg(fill + line("A", 1) + fill)), (Labels{"F", "A", "F"}));
-}
-
-TEST(Svg, WhiteLinesGetADarkerPaper) {
-  EXPECT_NE(Svg("{\"kind\":\"line\",\"color\":258,\"points\":[[0,0],[9,9]]}\n").find("fill=\"#c8c8c8\""),
-            std::string::npos);
+  EXPECT_EQ(Groups(line("A", "1") + line("B", "1") + line("A", "2")), "AB");
+  EXPECT_EQ(Groups(line("A", "1") + fill + line("A", "2")), "AFA");
+  EXPECT_EQ(Groups(line("A", "1") + fill + line("A", "50")), "AF");
+  EXPECT_EQ(Groups(fill + line("A", "1") + fill), "FAF");
+  const std::string white = Svg("{\"kind\":\"line\",\"color\":258,\"points\":[[0,0],[9,9]]}\n");
+  EXPECT_NE(white.find("fill=\"#c8c8c8\""), std::string::npos) << "white lines get a darker paper";
 }
 
 }  // namespace

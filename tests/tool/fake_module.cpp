@@ -1,9 +1,9 @@
 // A module that reads and writes no PDF: it serves known records and writes down what it is given, so that the host
 // program can be tested for what it does with them.
 //
-// The text of the file to be read says what happens: "all" serves one record of every kind, "endless" lines without an
-// end, "interrupt" the same with Ctrl-C at the fifth, "infinite" a circle of infinite radius, "refuse N" result N.
-// What was served is written down in FILE.served, what is to be written goes to the output file as calls.
+// The text of the file to be read says what happens: "all" serves one record of every kind, "interrupt" lines without
+// an end and Ctrl-C at the fifth, "infinite" a circle of infinite radius, "refuse N" result N. What was served is
+// written down in FILE.served, what is to be written goes to the output file as calls.
 #include <csignal>
 #include <cstring>
 #include <deque>
@@ -28,35 +28,25 @@ Value At(const void *block, size_t offset) {
   return value;
 }
 
-void Hex(std::ostream &out, const void *data, size_t size) {
-  for (size_t i = 0; i < size; ++i) {
-    out << std::hex << std::setw(2) << std::setfill('0') << unsigned{static_cast<const unsigned char *>(data)[i]};
-  }
+void Hex(std::ostream &out, const char *what, const void *data, size_t size) {
+  out << ' ' << what << ' ' << std::hex << std::setfill('0');
+  for (size_t i = 0; i < size; ++i) out << std::setw(2) << unsigned{static_cast<const unsigned char *>(data)[i]};
   out << std::dec << std::setfill(' ');
 }
 
 void HexText(std::ostream &out, const char16_t *text) {
-  if (text == nullptr) {
-    out << " null";
-    return;
-  }
-  out << " '";
-  Hex(out, text, std::char_traits<char16_t>::length(text) * sizeof(char16_t));
-  out << "'";
+  const size_t units = text == nullptr ? 0 : std::char_traits<char16_t>::length(text);
+  Hex(out, text == nullptr ? "null" : "text", text, units * sizeof(char16_t));
 }
 
 // Every bit of a record, with what its pointers lead to in place of the pointers.
 std::string Describe(const ElementRecord &r) {
   std::ostringstream out;
   out << "kind " << r.kind << " flags " << r.flags << " color " << r.color << " section " << r.section << " key "
-      << r.imageKey << " bytes " << r.payloadBytes << " names";
+      << r.imageKey << " bytes " << r.payloadBytes;
   HexText(out, r.layerName);
   HexText(out, r.styleName);
   if (r.payload == nullptr) return out.str();
-  if (r.kind == ElemRasterRows) {
-    Hex(out << " data ", r.payload, r.payloadBytes);
-    return out.str();
-  }
   struct Shape {
     uint32_t kind;
     size_t size;
@@ -70,23 +60,24 @@ std::string Describe(const ElementRecord &r) {
   for (const Shape &s : shapes) {
     if (s.kind == r.kind) shape = s;
   }
-  std::vector<char> block(static_cast<char *>(r.payload), static_cast<char *>(r.payload) + shape.size);
+  const auto *payload = static_cast<const char *>(r.payload);
+  std::vector<char> block(payload, payload + shape.size);
   for (const auto *list : {&shape.texts, &shape.arrays}) {
     for (const size_t at : *list) std::memset(block.data() + at, 0, 8);
   }
-  Hex(out << " payload ", block.data(), block.size());
-  for (const size_t at : shape.texts) HexText(out, At<const char16_t *>(r.payload, at));
+  Hex(out, "payload", block.data(), block.size());
+  for (const size_t at : shape.texts) HexText(out, At<const char16_t *>(payload, at));
   if (r.kind == ElemPolyline) {
-    const auto p = At<PolylinePayload>(r.payload, 0);
-    Hex(out << " vertices ", p.vertices, 8 * (2 + p.extraPerVertex) * static_cast<size_t>(p.vertexCount));
+    const auto p = At<PolylinePayload>(payload, 0);
+    Hex(out, "vertices", p.vertices, 8 * (2 + p.extraPerVertex) * static_cast<size_t>(p.vertexCount));
   } else if (r.kind == ElemFilledPolygon) {
-    const auto p = At<FilledPolygonPayload>(r.payload, 0);
-    Hex(out << " starts ", p.contourStarts, 4 * (static_cast<size_t>(p.contourCount) + 1));
-    Hex(out << " vertices ", p.vertices, 16 * static_cast<size_t>(p.vertexCount));
+    const auto p = At<FilledPolygonPayload>(payload, 0);
+    Hex(out, "starts", p.contourStarts, 4 * (static_cast<size_t>(p.contourCount) + 1));
+    Hex(out, "vertices", p.vertices, 16 * static_cast<size_t>(p.vertexCount));
   } else if (r.kind == ElemFontDef) {
-    Hex(out << " program ", static_cast<char *>(r.payload) + 64, r.payloadBytes - 64);
-  } else if (const void *palette = r.kind == ElemRasterHeader ? At<void *>(r.payload, 28) : nullptr) {
-    Hex(out << " palette ", palette, 1028);
+    Hex(out, "program", payload + 64, r.payloadBytes - 64);
+  } else if (const void *palette = r.kind == ElemRasterHeader ? At<void *>(payload, 28) : nullptr) {
+    Hex(out, "palette", palette, 1028);
   }
   return out.str();
 }
@@ -105,12 +96,8 @@ class Script {
     LineTypeDefPayload dashes{Text(u"Dash"), 20, {}, {}};
     for (int i = 0; i < 16; ++i) dashes.segments[i].length = i % 2 ? -1.5 : 0.1;
     Add(ElemLineTypeDef, dashes);
-    struct FontWithProgram {
-      FontDefPayload font;
-      uint8_t program[5];
-      uint8_t rest[3];
-    } font{{Text(u"Style"), Text(u"Face"), 0, nullptr, 0, 2.5, 0.9, 0xFFFF0007u, 0}, {0, 1, 2, 254, 255}, {}};
-    Add(ElemFontDef, font).payloadBytes = 69;
+    const FontDefPayload font{Text(u"Style"), Text(u"Face"), 0, nullptr, 0, 2.5, 0.9, 0xFFFF0007u, 0};
+    Add(ElemFontDef, font, {0, 1, 2, 254, 255});
     Add(ElemPoint, PointPayload{-2, 1, -0.0, {}, 2});
     ElementRecord &line = Add(ElemLine, LinePayload{0.1, 1e-320, inf, 1.0 / 3, -1e21});
     line.color = 7;
@@ -138,13 +125,15 @@ class Script {
     // The first two definitions come in one call.
     records_[1].next = &records_[2];
   }
+  // A payload and the bytes that stand right behind it.
   template <class Payload>
-  ElementRecord &Add(uint32_t kind, const Payload &payload) {
+  ElementRecord &Add(uint32_t kind, const Payload &payload, const std::vector<uint8_t> &behind = {}) {
     ElementRecord &record = Add(kind);
     std::vector<uint8_t> bytes(sizeof payload);
     std::memcpy(bytes.data(), &payload, sizeof payload);
+    bytes.insert(bytes.end(), behind.begin(), behind.end());
     record.payload = Keep(bytes);
-    record.payloadBytes = sizeof payload;
+    record.payloadBytes = static_cast<uint32_t>(bytes.size());
     return record;
   }
   ElementRecord &Add(uint32_t kind) {
@@ -156,21 +145,22 @@ class Script {
     return record;
   }
   void AddPolyline(const std::vector<double> &numbers, uint32_t extra) {
-    PolylinePayload p{};
-    p.width = 1;
-    p.extraPerVertex = extra;
-    p.vertexCount = static_cast<int32_t>(numbers.size() / (2 + extra));
-    p.vertices = static_cast<double *>(Keep(numbers));
+    const auto count = static_cast<int32_t>(numbers.size() / (2 + extra));
+    const PolylinePayload p{1, 0, count, extra, static_cast<double *>(Keep(numbers)), 0, 0, {}, 0, {}};
     Add(ElemPolyline, p).payloadBytes += static_cast<uint32_t>(numbers.size() * 8);
   }
   void AddPolygon(const std::vector<double> &numbers, const std::vector<uint32_t> &starts, uint32_t stroke) {
-    FilledPolygonPayload p{};
-    p.contourCount = static_cast<int32_t>(starts.size() - 1);
-    p.contourStarts = static_cast<uint32_t *>(Keep(starts));
-    p.vertexCount = static_cast<int32_t>(numbers.size() / 2);
-    p.vertices = static_cast<double *>(Keep(numbers));
-    p.opacity = 12.5;
-    p.strokeToo = stroke;
+    const auto contours = static_cast<int32_t>(starts.size() - 1), count = static_cast<int32_t>(numbers.size() / 2);
+    const FilledPolygonPayload p{0,
+                                 contours,
+                                 static_cast<uint32_t *>(Keep(starts)),
+                                 count,
+                                 static_cast<double *>(Keep(numbers)),
+                                 12.5,
+                                 0,
+                                 0,
+                                 stroke,
+                                 {}};
     Add(ElemFilledPolygon, p).payloadBytes += static_cast<uint32_t>(numbers.size() * 8 + starts.size() * 4);
   }
   static void SetName(char16_t (&target)[256], const std::u16string &name) {
@@ -278,8 +268,9 @@ uint32_t OpenWrite(FilterObject *self, const char16_t *path, FileInfo *info, Pro
   return 0;
 }
 
-uint32_t Section(FilterObject *self, const char *word, int32_t section) {
-  Self(self).log << word << " " << section << "\n";
+template <char Word>
+uint32_t Section(FilterObject *self, int32_t section, uintptr_t, uintptr_t) {
+  Self(self).log << (Word == 'b' ? "begin " : "end ") << section << "\n";
   return 0;
 }
 
@@ -307,21 +298,8 @@ uint32_t Close(FilterObject *self) {
   return 0;
 }
 
-const FilterTable kTable = {
-    nullptr,
-    Identify,
-    nullptr,
-    OpenRead,
-    ReadElement,
-    OpenWrite,
-    nullptr,
-    [](FilterObject *self, int32_t section, uintptr_t, uintptr_t) { return Section(self, "begin", section); },
-    [](FilterObject *self, int32_t section, uintptr_t, uintptr_t) { return Section(self, "end", section); },
-    WriteElement,
-    nullptr,
-    Close,
-    nullptr,
-    nullptr};
+const FilterTable kTable = {nullptr,      Identify,     nullptr,      OpenRead, ReadElement, OpenWrite, nullptr,
+                            Section<'b'>, Section<'e'>, WriteElement, nullptr,  Close,       nullptr,   nullptr};
 
 FilterObject *Create(const char16_t *registryPath) {
   auto *filter = new FakeFilter;

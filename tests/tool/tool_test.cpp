@@ -88,7 +88,6 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
       {{"export", "point.jsonl", "-o", "no/such/folder.pdf"}, 1, "cannot be opened for writing (result 3)"},
       {{"export", "point.jsonl", "-o", "gone.pdf", "--options", "/col X"}, 1, "option string is wrong (result 18)"},
       {{"export", "point.jsonl", "-o", "point.jsonl"}, 2, "would overwrite the input"},
-      {{"export", "two.jsonl", "-o", "gone.pdf"}, 1, "choose one with --page"},
       {{"export", "two.jsonl", "-o", "gone.pdf", "--page", "3"}, 1, "has no page 3; its pages are 1 to 2"},
       {{"import", "all.pdf", "--set", "Qualty=3"}, 2, "there is no setting \"Qualty\""},
       {{"import", "all.pdf", "--set", "Quality=3.5"}, 2, "Quality takes an integer"},
@@ -96,7 +95,6 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
       {{"import"}, 2, "FILE is required"},
       {{"imprt", "all.pdf"}, 2, "there is no command \"imprt\""},
       {{"export", "empty.jsonl", "-o", "gone.pdf"}, 1, "holds no drawing"},
-      {{"import", "all.pdf", "--page", "0", "-o", "older.jsonl"}, 1, "has no page 0"},
       {{"import", "damaged.pdf", "-o", "older.jsonl"}, 1, "(result 2)"},
   };
   for (const auto &c : cases) {
@@ -114,19 +112,15 @@ TEST(Tool, RefusesLinesThatItCannotKeepWhole) {
     const char *line, *says;
   } cases[] = {
       {"{\"kind\":\"circle\",\"center\":[0,0]}", "a circle needs \"radius\""},
-      {"{\"kind\":\"arc\",\"center\":[0,0],\"radius\":1}", "an arc needs \"startAngle\""},
       {"{\"kind\":\"circle\",\"center\":[0,0],\"radius\":1,\"centre\":1}", "a circle has no \"centre\""},
       {"{\"kind\":\"line\",\"points\":[[0,0],[1,1],[2,2]]}", "takes two points"},
-      {"{\"kind\":\"line\",\"points\":[[0,0],[1]]}", "takes two points"},
       {"{\"kind\":\"line\",\"points\":[[0,0],[1,1]],\"width\":1e999}", "too large"},
       {"{\"kind\":\"line\",\"points\":[[0,0],[1,null]]}", "not a number"},
       {"{\"kind\":\"polyline\",\"points\":[[0,0],[1,1,1]]}", "takes points"},
       {"{\"kind\":\"polygon\",\"contours\":[[0,0],[1,1]]}", "takes lists of points"},
       {"{\"kind\":\"polygon\",\"contours\":[[[[0,0]]]]}", "nested too deeply"},
-      {"{\"kind\":\"polygon\"}", "needs \"contours\""},
       {"{\"kind\":\"splin\"}", "no kind \"splin\""},
       {"{\"kind\":\"point\",\"at\":[0,0],\"at\":[0,0]}", "twice"},
-      {"{\"kind\":\"point\",\"at\":[0,0],\"color\":\"red\"}", "colour code"},
       {"{\"kind\":\"point\",\"at\":[0,0],\"color\":-1}", "colour code"},
       {"{\"kind\":\"point\",\"at\":[0,0],\"layer\":[65,70000]}", "takes a text"},
       {"{\"kind\":\"font\",\"name\":\"F\",\"program\":\"x\"}", "base64"},
@@ -151,21 +145,21 @@ TEST(Tool, DrivesTheWriterInItsOrder) {
   const std::string drawing =
       "{\"kind\":\"line\",\"width\":2,\"points\":[[0,0],[10,0]]}\n"
       "{\"kind\":\"layer\",\"name\":\"A\",\"width\":4}\n"
-      "{\"kind\":\"line\",\"layer\":\"A\",\"points\":[[0,20],[10,20]]}\n"
+      "{\"kind\":\"lineType\",\"name\":\"D\",\"segments\":[3,-2]}\n"
+      "{\"kind\":\"line\",\"layer\":\"A\",\"lineType\":\"D\",\"points\":[[0,20],[10,20]]}\n"
       "{\"kind\":\"property\",\"name\":\"COORDSYS\",\"type\":32,\"value\":\"00\"}\n";
   const Ran ran = Kapdf({"export", "-", "-o", "order.log", "--options", "/q 50"}, drawing);
   ASSERT_EQ(ran.status, 0) << ran.err;
   std::string order;
   std::istringstream log(Read("order.log"));
-  for (std::string word, line; log >> word && std::getline(log, line);) {
-    std::istringstream rest(line);
-    std::string first, second;
-    rest >> first >> second;
+  for (std::string word, first, second, line; std::getline(log, line);) {
+    std::istringstream(line) >> word >> first >> second;
     if (word == "record") order += second + " ";
     if (word == "begin" || word == "end") order += word + first + " ";
     if (word == "close") order += "close ";
   }
-  EXPECT_EQ(order, "begin2 14 end2 begin3 6 6 end3 begin4 19 19 1 end4 close ");
+  // The line that the module refuses for its line type comes back as two dashes.
+  EXPECT_EQ(order, "begin2 14 end2 begin3 6 6 7 end3 begin4 19 19 19 19 1 end4 close ");
   // The undefined layer has the line's own width, layer A its own.
   EXPECT_EQ(LinesWith(Read("order.log"), "open").at(0), "open -1 of 1 box -2 -1 12 22 options /q 50");
 }
@@ -200,23 +194,17 @@ TEST(Tool, StopsWithNothingLeftBehind) {
   }
 }
 
-TEST(Tool, EveryPageHasItsHeaderOrItsFile) {
+TEST(Tool, TellsAboutFileModuleAndEveryPage) {
   Write("all.pdf", "all");
-  const Ran lines = Kapdf({"import", "all.pdf", "--all"});
-  EXPECT_EQ(LinesWith(lines.out, "{\"kapdf\":1").size(), 3u);
+  EXPECT_EQ(LinesWith(Kapdf({"import", "all.pdf", "--all"}).out, "{\"kapdf\":1").size(), 3u);
   ASSERT_EQ(Kapdf({"import", "all.pdf", "--all", "-o", "pages.svg"}).status, 0);
   for (const char *path : {"pages-1.svg", "pages-2.svg", "pages-3.svg"}) {
     EXPECT_TRUE(Read(path).ends_with("</svg>\n")) << path;
   }
-}
-
-TEST(Tool, TellsAboutFileAndModule) {
-  Write("all.pdf", "all");
-  const Ran ran = Kapdf({"info", "all.pdf"});
+  const Ran ran = Kapdf({"info", "all.pdf"}), help = Kapdf({"--help"});
   for (const char *text : {"pages      3", "version    9.9", "maker      Nobody", "2 layers", "1 ellipse arc,"}) {
     EXPECT_NE(ran.out.find(text), std::string::npos) << text << "\n" << ran.out;
   }
-  const Ran help = Kapdf({"--help"});
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("kapdf export plan.jsonl"), std::string::npos);
 }
