@@ -70,7 +70,7 @@ void AddContentBombs(SeedFolder &folder) {
       {"content_inline_images", "BI ID\n", kTens},
       {"content_open_path", "1 1 l ", kTens},
       {"content_strokes", "0 0 m 1 1 l S\n", kTens},
-      {"content_curves", "0 0 m 1e6 0 0 1e6 1e6 1e6 c n\n", size_t{1} << 20},
+      {"content_curves", "0 0 m 150000 0 0 150000 150000 150000 c n\n", size_t{1} << 20},
       {"content_states", "/A gs /B gs ", kTens},
   };
   for (const auto &one : repeats) {

@@ -55,7 +55,7 @@ void LookAtPolyline(const ElementRecord &record) {
 void LookAtPolygon(const ElementRecord &record) {
   Require(record.payloadBytes >= sizeof(FilledPolygonPayload), "payload size");
   const auto area = LoadAs<FilledPolygonPayload>(record.payload);
-  Require(area.vertexCount >= 3 && area.contourCount >= 1, "polygon");
+  Require(area.vertexCount >= 2 && area.contourCount >= 1, "polygon");  // a contour may be a point and its end
   const auto vertices = static_cast<size_t>(area.vertexCount), contours = static_cast<size_t>(area.contourCount);
   PayloadOf<FilledPolygonPayload>(record, 16 * vertices + 4 * (contours + 1));
   const double scalars[] = {area.width, area.opacity};

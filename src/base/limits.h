@@ -24,6 +24,7 @@ inline constexpr size_t kDecodedStream = size_t{512} << 20;     // bytes of one 
 inline constexpr size_t kPageContent = size_t{1} << 30;         // decoded bytes of all content streams of one page
 inline constexpr uint32_t kImageSide = 1'000'000;               // pixels
 inline constexpr int kCurvePoints = 1'000'000;                  // a longer curve gives its end point only
+inline constexpr size_t kPageCurvePoints = 256'000'000;         // of all curves of a page; then end points only
 inline constexpr size_t kPathPoints = 16'000'000;               // further points are dropped
 inline constexpr size_t kSavedStates = 65'536;                  // copies kept by q; deeper ones are only counted
 inline constexpr size_t kTokenText = 127;                       // characters of a number or a name

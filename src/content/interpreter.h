@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/limits.h"
 #include "content/content_stream.h"
 #include "content/graphics_state.h"
 #include "content/operators.h"
@@ -147,6 +148,7 @@ class Interpreter {
   std::u16string currentLineStyle_ = u"Continuous";  // not part of the saved state
 
   PathList paths_;
+  size_t curvePointsLeft_ = limits::kPageCurvePoints;
   size_t nextPolygon_ = 0;  // the first path that was not handed out as a polygon of its own
   int64_t pendingPaths_ = kIdle;
   Pass pass_ = Pass::kStroke;

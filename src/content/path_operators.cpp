@@ -73,9 +73,13 @@ Flow Interpreter::Rectangle(const Statement &statement) {
 }
 
 // `v` holds both control points and the end in millimetres. Without a point to start from nothing happens.
+// Once the page's curves have made too many points, each further one gives its end point only.
 void Interpreter::AppendCurve(double (&v)[6]) {
   if (paths_.currentSize() == 0) return;
-  FlattenCubic(paths_.Tail(), v[0], v[1], v[2], v[3], v[4], v[5], limits::kPathPoints);
+  const size_t before = paths_.points();
+  const size_t most = std::min(limits::kPathPoints, before + std::max<size_t>(curvePointsLeft_, 1));
+  FlattenCubic(paths_.Tail(), v[0], v[1], v[2], v[3], v[4], v[5], most);
+  curvePointsLeft_ -= std::min(curvePointsLeft_, paths_.points() - before);
 }
 
 // A curve with any point outside the clip box is dropped whole.
