@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "support/opened_pdf.h"
 #include "support/pdf_builder.h"
@@ -61,25 +62,22 @@ TEST(Streams, FiltersLengthsAndLineEnds) {
 }
 
 TEST(Streams, ParametersAndSingleReads) {
-  test::OpenedPdf pdf(test::PagesOf({"n"})
-                          .FlateStream(5, "/Length1 9 /DecodeParms <</Predictor 12 /Columns 4>>", "AB")
-                          .Stream(6, "/Length1 9 /Length2 1", "x")
-                          .Build());
+  const std::string parameters = "/Length1 9 /DecodeParms <</Predictor 12 /Columns 4>>";
+  test::OpenedPdf pdf(
+      test::PagesOf({"n"}).FlateStream(5, parameters, "AB").Stream(6, "/Length1 9 /Length2 1", "x").Build());
   uint8_t first, two[2];
   ASSERT_TRUE(OpenObject(pdf.file.objects(), 5, first));
   CPDFStream stream(pdf.file.objects()), other(pdf.file.objects());
   EXPECT_EQ(stream.ReadDecoded(two, 2), 1u);  // no codec yet
   ASSERT_EQ(stream.Parse(first), 0);
-  EXPECT_EQ(stream.length1(), 9);
-  EXPECT_EQ(stream.predictor(), 12);
-  EXPECT_EQ(stream.columns(), 4);
+  EXPECT_EQ(std::tuple(stream.length1(), stream.predictor(), stream.columns()), std::tuple(9, 12, 4));
   EXPECT_EQ(stream.ReadByte(), 'A');
   EXPECT_EQ(stream.ReadDecoded(two, 2), 1u);  // fewer than asked
   EXPECT_EQ(stream.ReadByte(), 255);
   EXPECT_EQ(stream.status(), 5u);
   ASSERT_TRUE(OpenObject(pdf.file.objects(), 6, first));
   ASSERT_EQ(other.Parse(first), 0);
-  EXPECT_EQ(other.length1(), 0);
+  EXPECT_EQ(other.length1(), 0);  // a second length takes it away
 }
 
 TEST(Streams, UndoRows) {

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <sstream>
+#include <tuple>
 
 #include "dash_breaker.h"
 #include "svg_writer.h"
@@ -52,35 +53,29 @@ std::string Pieces(const std::string &line, const DashPattern &pattern) {
 }
 
 TEST(Dashes, CutEveryKindAlongItsLength) {
-  const struct {
-    const char *line;
-    DashPattern pattern;
-    const char *pieces;
-  } cases[] = {
-      {"{\"kind\":\"line\",\"points\":[[0,0],[10,0]]}", {3, -2}, "0,0-3,0 5,0-8,0 "},
-      {"{\"kind\":\"line\",\"points\":[[0,0],[4,0]]}", {3, -2}, "0,0-3,0 "},
+  const std::tuple<const char *, DashPattern, const char *> cases[] = {
+      {R"({"kind":"line","points":[[0,0],[10,0]]})", {3, -2}, "0,0-3,0 5,0-8,0 "},
+      {R"({"kind":"line","points":[[0,0],[4,0]]})", {3, -2}, "0,0-3,0 "},
       // A pattern may begin with a gap, and a dot is drawn as long as the line is wide.
-      {"{\"kind\":\"line\",\"width\":0.5,\"points\":[[0,0],[0,6]]}", {-2, 1, -1, 0}, "0,2-0,3 0,4-0,4.5 "},
+      {R"({"kind":"line","width":0.5,"points":[[0,0],[0,6]]})", {-2, 1, -1, 0}, "0,2-0,3 0,4-0,4.5 "},
       // One of no length at all leaves the line whole.
-      {"{\"kind\":\"line\",\"points\":[[0,0],[4,0]]}", {}, "0,0-4,0 "},
+      {R"({"kind":"line","points":[[0,0],[4,0]]})", {}, "0,0-4,0 "},
       // The pattern goes on round the corner, and the corner is in the piece.
-      {"{\"kind\":\"polyline\",\"points\":[[0,0],[4,0],[4,4]]}", {3, -1.5}, "0,0-3,0 4,0.5-4,3.5 "},
-      {"{\"kind\":\"polyline\",\"points\":[[0,0],[4,0],[4,4]]}", {5, -1}, "0,0-4,0-4,1- 4,2-4,4 "},
-      {"{\"kind\":\"circle\",\"center\":[0,0],\"radius\":1}", {2, -2}, "0..2000 4000..6000 "},
-      {"{\"kind\":\"arc\",\"center\":[0,0],\"radius\":2,\"startAngle\":6,\"endAngle\":1}",
-       {1, -1},
-       "6000..6500 7000..7283 "},
-      {"{\"kind\":\"ellipseArc\",\"center\":[0,0],\"majorRadius\":2,\"minorRadius\":2,\"startAngle\":0,\"endAngle\":1}",
+      {R"({"kind":"polyline","points":[[0,0],[4,0],[4,4]]})", {3, -1.5}, "0,0-3,0 4,0.5-4,3.5 "},
+      {R"({"kind":"polyline","points":[[0,0],[4,0],[4,4]]})", {5, -1}, "0,0-4,0-4,1- 4,2-4,4 "},
+      {R"({"kind":"circle","center":[0,0],"radius":1})", {2, -2}, "0..2000 4000..6000 "},
+      {R"({"kind":"arc","center":[0,0],"radius":2,"startAngle":6,"endAngle":1})", {1, -1}, "6000..6500 7000..7283 "},
+      {R"({"kind":"ellipseArc","center":[0,0],"majorRadius":2,"minorRadius":2,"startAngle":0,"endAngle":1})",
        {1, -0.5},
        "0..500 750..1000 "},
-      {"{\"kind\":\"polygon\",\"strokeToo\":true,\"contours\":[[[0,0],[2,0],[2,2]]]}",
+      {R"({"kind":"polygon","strokeToo":true,"contours":[[[0,0],[2,0],[2,2]]]})",
        {2, -2},
        "kind28 0,0-2,0 2,2-0.585786,0.585786 "},
-      {"{\"kind\":\"polygon\",\"contours\":[[[0,0],[2,0],[2,2]]]}", {2, -2}, "kind28 "},
+      {R"({"kind":"polygon","contours":[[[0,0],[2,0],[2,2]]]})", {2, -2}, "kind28 "},
       // Too fine a pattern: the element goes out whole.
-      {"{\"kind\":\"line\",\"points\":[[0,0],[1000,0]]}", {0.001, -0.001}, "0,0-1000,0 "},
+      {R"({"kind":"line","points":[[0,0],[1000,0]]})", {0.001, -0.001}, "0,0-1000,0 "},
   };
-  for (const auto &c : cases) EXPECT_EQ(Pieces(c.line, c.pattern), c.pieces) << c.line;
+  for (const auto &[line, pattern, pieces] : cases) EXPECT_EQ(Pieces(line, pattern), pieces) << line;
 }
 
 TEST(Dashes, EllipseIsCutByLengthNotByAngle) {
@@ -97,7 +92,7 @@ TEST(Dashes, EllipseIsCutByLengthNotByAngle) {
     lengths.push_back(length);
     return true;
   };
-  ForEach("{\"kind\":\"ellipseArc\",\"center\":[5,5],\"majorRadius\":100,\"minorRadius\":1,\"rotation\":0.3}",
+  ForEach(R"({"kind":"ellipseArc","center":[5,5],"majorRadius":100,"minorRadius":1,"rotation":0.3})",
           [&](const ElementRecord &element) {
             BreakIntoDashes(element, {10, -10}, measure);
           });

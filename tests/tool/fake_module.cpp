@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "kapdf/kapdf.h"
-#include "settings_probe.h"
+#include "platform/settings.h"
 
 namespace {
 
@@ -249,6 +249,13 @@ uint32_t ReadElement(FilterObject *self, ElementRecord *record) {
   return record->progress->table->Report(record->progress, 0.5) != 0 ? FilterCancelled : FilterOk;
 }
 
+// As text, whatever its type; "none" when it is not there.
+std::string ReadSetting(const kapdf::platform::Settings &key, const char16_t *name) {
+  const std::u16string text = key.ReadString(name, u"none");
+  const int32_t number = key.ReadInteger(name, -1);
+  return number == -1 ? std::string(text.begin(), text.end()) : std::to_string(number);
+}
+
 uint32_t OpenWrite(FilterObject *self, const char16_t *path, FileInfo *info, ProgressObject *,
                    const char16_t *options) {
   FakeFilter &f = Self(self);
@@ -258,10 +265,10 @@ uint32_t OpenWrite(FilterObject *self, const char16_t *path, FileInfo *info, Pro
   if (f.options == "/col X") return FilterBadOption;
   f.log << "open " << info->pageIndex << " of " << info->pageCount << " box " << info->xmin << " " << info->ymin << " "
         << info->xmax << " " << info->ymax << " options " << f.options << "\n";
-  for (const char *name : {"Quality", "PaperFrame", "Log", "DefaultResolution"}) {
-    f.log << "setting " << name;
+  for (const char16_t *name : {u"Quality", u"PaperFrame", u"Log", u"DefaultResolution"}) {
+    f.log << "setting";
     for (const char16_t *suffix : {u"\\Filter\\PDF", u"\\PDF", u"\\Filter"}) {
-      f.log << " " << fake::ReadSetting(f.registry + suffix, name);
+      f.log << " " << ReadSetting({f.registry, suffix}, name);
     }
     f.log << "\n";
   }
