@@ -170,8 +170,8 @@ TEST(Tool, SettingsHoldForOneRun) {
   const platform::Settings user(u"", u"\\PDF");
   ASSERT_TRUE(user.WriteInteger(u"Log", 4));
   Write("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
-  const Ran ran = Kapdf({"export", "point.jsonl", "-o", "settings.log", "--set", "quality=40", "--set",
-                         "PaperFrame=3.5", "--set", "DefaultResolution=150", "--set", "Quality=41"});
+  const Ran ran = Kapdf({"export", "-o", "settings.log", "--set", "quality=40", "--set", "PaperFrame=3.5", "--set",
+                         "DefaultResolution=150", "--set", "Quality=41", "point.jsonl"});
   ASSERT_EQ(ran.status, 0) << ran.err;
   // Quality, PaperFrame, Log and DefaultResolution in each of the three places.
   using Lines = std::vector<std::string>;

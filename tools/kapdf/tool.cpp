@@ -42,8 +42,7 @@ void AddCommon(CLI::App *command, CommandLine &line) {
       ->type_name("PATH");
   command->add_option("--set", line.settings, "A setting for this run; may be repeated (--help-settings lists them)")
       ->type_name("NAME=VALUE")
-      ->take_all()
-      ->expected(1);
+      ->allow_extra_args(false);
   command->add_flag("-q,--quiet", line.quiet, "No summary");
 }
 
