@@ -33,7 +33,7 @@ class RandomContent {
     std::vector<std::string> pieces;
     size_t at = 0;
     while (at < text.size()) {
-      const size_t length = static_cast<size_t>(1 + Below(OneIn(2) ? 12'000 : 300));
+      const size_t length = static_cast<size_t>(1 + Below(OneIn(2) ? 400'000 : OneIn(2) ? 12'000 : 300));
       pieces.push_back(text.substr(at, length));
       at += length;
       if (OneIn(10)) pieces.push_back(Pick({" ", "\n", "\t \n"}));
