@@ -12,6 +12,12 @@ namespace {
 
 using test::BigEndian;
 
+std::string Repeated(char c, size_t count) {
+  std::string text;
+  text.resize(count, c);
+  return text;
+}
+
 // A catalog and a tree of `count` pages from object `first` on.
 std::string Tree(int first, int count) {
   std::string text = "%PDF-1.4\n1 0 obj<</Pages 2 0 R>>\n2 0 obj<</Type/Pages/Kids[";
@@ -32,7 +38,7 @@ std::string SharedWhiteSpace() {
 
 // Every page is said to be the one or the other member of an object stream that inflates to much.
 std::string LargeMembers() {
-  const std::string text = Tree(4, 20000), members = "4 0 5 0 " + std::string(100'000'000, ' ') + "<</Type/Page>>";
+  const std::string text = Tree(4, 20000), members = "4 0 5 0 " + Repeated(' ', 100'000'000) + "<</Type/Page>>";
   const std::string packed = test::Deflate(members);
   std::string rows = PlainRow(0) + PlainRow(9) + PlainRow(text.find("2 0 obj")) + PlainRow(text.size());
   for (unsigned i = 0; i < 20000; ++i) rows += BigEndian(2, 1) + BigEndian(3, 4) + BigEndian(i % 2, 1);
@@ -57,7 +63,7 @@ std::string LongChain() {
 
 TEST(Hostile, WorkIsBounded) {
   const std::string manyEntries = test::WithXRefStream("%PDF-1.5\n", 4, "/W[1 0 0]/Size 2000000000/Filter/Fl",
-                                                       test::Deflate(std::string(100'000'000, '\1')));
+                                                       test::Deflate(Repeated('\1', 100'000'000)));
   const std::pair<std::string, uint32_t> cases[] = {
       {SharedWhiteSpace(), 0}, {LargeMembers(), 0}, {manyEntries, FilterNoRoot}, {LongChain(), FilterNoRoot}};
   for (const auto &[bytes, result] : cases) {

@@ -60,6 +60,7 @@ TEST(PageTree, APageHasTheNumberThatStandsThere) {
 TEST(PageTree, DepthIsBounded) {
   for (const int depth : {250, 300, 20000}) {
     std::vector<std::string> nodes;
+    nodes.reserve(static_cast<size_t>(depth) + 1);
     for (int i = 0; i < depth; ++i) nodes.push_back("<</Type /Pages /Kids [" + std::to_string(i + 3) + " 0 R]>>");
     nodes.emplace_back("<</Type /Page>>");
     test::OpenedPdf pdf(Tree(nodes).Build());

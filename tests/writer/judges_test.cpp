@@ -13,7 +13,7 @@ constexpr bool kLinux = std::filesystem::path::preferred_separator == '/';
 
 // Every kind, three layers of which one is off, and a clear polygon.
 std::string WriteDrawing(const Workspace &workspace, const char *name, double size = 200) {
-  const std::string narrow = name;
+  std::string narrow = name;
   Sheet sheet(workspace, std::u16string(narrow.begin(), narrow.end()), size, size / 2);
   sheet.Start().Layer(u"Walls", 1, 1).Layer(u"Hidden", 3, 0.5, true).Layer(u"Areas", 170);
   sheet.writer().BeginSection(4);
@@ -53,7 +53,7 @@ TEST(Judges, AcceptWhatIsWritten) {
   const Workspace workspace;
   std::vector<std::string> files = {WriteDrawing(workspace, "drawing.pdf"), WriteDrawing(workspace, "large.pdf", 9000)};
   Sheet(workspace, u"empty.pdf").Start().Finish();
-  files.push_back("empty.pdf");
+  files.emplace_back("empty.pdf");
   workspace.pdf().WriteInteger(u"PDFA", 1);
   files.push_back(WriteDrawing(workspace, "archive.pdf"));
   for (const std::string &file : files) {
