@@ -83,9 +83,8 @@ void AddContentBombs(SeedFolder &folder) {
   folder.Add("content_long_dash", PageOf(Deflate(patterns + "]0 d 0 0 m 1 1 l S")).Build());
   std::string contents;
   for (int i = 0; i < 200'000; ++i) contents += "4 0 R ";
-  folder.Add(
-      "content_shared",
-      PageOf(DeflatedRepeats("q 1 w\n", 1 << 20)).Object(3, "<</Type /Page /Contents [" + contents + "]>>").Build());
+  folder.Add("content_shared",
+             PageOf(DeflatedRepeats(" ", 1 << 20)).Object(3, "<</Type /Page /Contents [" + contents + "]>>").Build());
 }
 
 void AddResourceBombs(SeedFolder &folder) {
@@ -152,7 +151,7 @@ void AddPageTreeBombs(SeedFolder &folder) {
                                    .Build());
   folder.Add("tree_same_large_page", tree()
                                          .Object(2, "<</Type /Pages /Kids [" + Repeated("3 0 R ", 10'000) + "]>>")
-                                         .Object(3, "<</Type /Page /A [" + Repeated("1 ", 100'000) + "]>>")
+                                         .Object(3, "<</Type /Page /A (" + std::string(200'000, 'x') + ")>>")
                                          .Build());
 }
 
