@@ -66,7 +66,8 @@ TEST_F(FilterSettings, AnOptionStringHandsOverTheFiltersOwn) {
 }
 
 TEST_F(FilterSettings, ClippingDropsWhatLiesBesideThePage) {
-  const test::TempFile file(test::OnePage("900 900 m 950 950 l S\n"));
+  test::TempFile file(test::OnePage("900 900 m 950 950 l S\n"));
+  file.Close();  // shared for reading means that nobody writes
   for (const int clipping : {1, 0}) {
     pdfKey.WriteInteger(u"Clipping", clipping);
     const FilterPointer filter(new CPDFFilter(kPath, false));
