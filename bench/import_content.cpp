@@ -1,5 +1,5 @@
-// Reading a page of many paths, from the file to the last record, against a peer that interprets the same page and draws
-// nothing. Both are processor seconds: ours inside this process, the peer's as a process.
+// Reading a page of many paths, from the file to the last record, against a peer that interprets the same page and
+// draws nothing. Both are processor seconds: ours inside this process, the peer's as a process.
 #include <benchmark/benchmark.h>
 
 #include "support.h"
@@ -36,8 +36,10 @@ std::string Content(Mix mix) {
     Points points(random);
     text += points.Next() + "m\n";
     for (unsigned n = 1 + random() % 4; n > 0; --n) {
-      if (mix == Mix::kCurves) text += points.Next() + points.Next() + points.Next() + "c\n";
-      else text += points.Next() + "l\n";
+      if (mix == Mix::kCurves)
+        text += points.Next() + points.Next() + points.Next() + "c\n";
+      else
+        text += points.Next() + "l\n";
     }
     text += mix == Mix::kCad ? "S\nQ\n" : "S\n";
   }
@@ -91,7 +93,8 @@ void PeerInflateOnly(benchmark::State &state) {
   const std::string plain = Content(static_cast<Mix>(state.range(0)));
   std::string packed(compressBound(plain.size()), '\0');
   uLongf size = packed.size();
-  compress(reinterpret_cast<Bytef *>(packed.data()), &size, reinterpret_cast<const Bytef *>(plain.data()), plain.size());
+  compress(reinterpret_cast<Bytef *>(packed.data()), &size, reinterpret_cast<const Bytef *>(plain.data()),
+           plain.size());
   std::string out(plain.size(), '\0');
   for (auto _ : state) {
     uLongf length = out.size();

@@ -1,5 +1,5 @@
-// Opening a file of 10,000 pages and counting them, inside this process, against the processor seconds of a peer that does
-// nothing else.
+// Opening a file of 10,000 pages and counting them, inside this process, against the processor seconds of a peer that
+// does nothing else.
 
 #include <benchmark/benchmark.h>
 

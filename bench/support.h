@@ -17,7 +17,9 @@ namespace kapdf::bench {
 inline double ChildSeconds() {
   rusage usage{};
   getrusage(RUSAGE_CHILDREN, &usage);
-  const auto seconds = [](const timeval &t) { return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6; };
+  const auto seconds = [](const timeval &t) {
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
+  };
   return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
@@ -49,7 +51,8 @@ class Document {
   void AddStream(const std::string &plain) {
     std::string packed(compressBound(plain.size()), '\0');
     uLongf size = packed.size();
-    compress(reinterpret_cast<Bytef *>(packed.data()), &size, reinterpret_cast<const Bytef *>(plain.data()), plain.size());
+    compress(reinterpret_cast<Bytef *>(packed.data()), &size, reinterpret_cast<const Bytef *>(plain.data()),
+             plain.size());
     packed.resize(size);
     Add("<</Length " + std::to_string(size) + "/Filter/FlateDecode>>\nstream\n" + packed + "\nendstream");
   }

@@ -80,13 +80,13 @@ enum ElementKind {
 #define FilterNotExtended 0xFFFF0001u   /* `Extended` is not there */
 
 /* Results of `Identify`, `OpenRead` and `OpenWrite`. */
-#define FilterDamaged 2u         /* damaged file, or its page cannot be built */
-#define FilterCannotWrite 3u     /* the output file cannot be opened */
-#define FilterCannotRead 4u      /* the input file cannot be opened */
-#define FilterNoRoot 5u          /* the file cannot be read far enough, or has no document root */
-#define FilterEncrypted 11u      /* the file is encrypted */
-#define FilterNotPdf 12u         /* not a PDF file, or no usable cross-reference data */
-#define FilterBadOption 18u      /* an option string has a bad value */
+#define FilterDamaged 2u     /* damaged file, or its page cannot be built */
+#define FilterCannotWrite 3u /* the output file cannot be opened */
+#define FilterCannotRead 4u  /* the input file cannot be opened */
+#define FilterNoRoot 5u      /* the file cannot be read far enough, or has no document root */
+#define FilterEncrypted 11u  /* the file is encrypted */
+#define FilterNotPdf 12u     /* not a PDF file, or no usable cross-reference data */
+#define FilterBadOption 18u  /* an option string has a bad value */
 
 /* Sections of the element sequence on export: 3 takes the tables, 2, 4, 6 and 8 take drawn elements. */
 #define KAPDF_SECTION_PAGE 2
