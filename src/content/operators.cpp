@@ -95,9 +95,9 @@ struct Index {
 
   constexpr Index() {
     for (const OperatorRow &row : kOperators) {
-      if (row.text.size() == 1) one[static_cast<size_t>(row.text[0])] = row.number;
-      if (row.text.size() == 2)
-        two[static_cast<size_t>(row.text[0]) * 128 + static_cast<size_t>(row.text[1])] = row.number;
+      const auto first = static_cast<unsigned char>(row.text[0]);
+      if (row.text.size() == 1) one[first] = row.number;
+      if (row.text.size() == 2) two[first * 128u + static_cast<unsigned char>(row.text[1])] = row.number;
       outside[row.number] = row.outside;
       inside[row.number] = row.inside;
     }
