@@ -16,6 +16,13 @@ enum CodecState : unsigned {
   kCodecDamaged = 2    // what was delivered so far is all that there is
 };
 
+// What row prediction needs to know of the samples.
+struct SampleShape {
+  uint32_t columns = 1;  // pixels of a row
+  uint32_t colors = 1;   // samples of a pixel
+  uint32_t bitsPerComponent = 8;
+};
+
 // Sits on a byte source or sink that somebody else owns. Decoding starts at the source's position. A short read is how
 // the end shows.
 class CCompressionClass {
@@ -39,6 +46,14 @@ class CCompressionClass {
   // Forgets all state, so that the next read or write starts a new stream at the sink's or source's position.
   virtual void reset() { state_ = kCodecOk; }
   unsigned error() const { return state_; }
+  // Undoes row prediction in what `Read` delivers: 2 is TIFF's, 10 and above are PNG's (each row says which), any other
+  // value is none. `SetSampleShape` goes with it. Codecs other than Flate and LZW have no use for it.
+  virtual void UsePredictor(uint8_t) {}
+  virtual void SetSampleShape(const SampleShape &) {}
+  // Rows as run lists in place of packed bits: `Read(buffer, columns)` delivers one row as a u32 count and as many pairs
+  // of u32, first and last black pixel, and answers with the bytes of these, 0 when there is no further row. The buffer
+  // has 4 * columns + 12 bytes. Only the CCITT codecs know it.
+  virtual void SetBitlineOutput(bool) {}
   // Writes the codec's name with its zero, cut to `size` bytes.
   void GetInfo(char *buffer, size_t size) const;
 
