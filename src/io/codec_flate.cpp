@@ -26,12 +26,12 @@ void CZVFlate::EndDeflate::operator()(z_stream_s *stream) const {
 }
 
 CZVFlate::CZVFlate(CZVBaseIO &io, uint32_t length, std::unique_ptr<CCompressionClass> inner)
-    : CCompressionClass(io, length), inner_(std::move(inner)) {}
+    : RowPredictedCodec(io, length), inner_(std::move(inner)) {}
 
 CZVFlate::~CZVFlate() = default;
 
 void CZVFlate::reset() {
-  CCompressionClass::reset();
+  RowPredictedCodec::reset();
   inflate_.reset();
   deflate_.reset();
   codedRead_ = 0;
@@ -52,7 +52,7 @@ bool CZVFlate::FillInput() {
   return got > 0;
 }
 
-size_t CZVFlate::decompress(uint8_t *buffer, size_t count) {
+size_t CZVFlate::DecodePlain(uint8_t *buffer, size_t count) {
   if (state_ != kCodecOk) return 0;
   if (!inflate_) {
     auto stream = std::make_unique<z_stream>();

@@ -4,14 +4,14 @@
 #include <memory>
 #include <vector>
 
-#include "io/codec.h"
+#include "io/row_predictor.h"
 
 struct z_stream_s;
 
 namespace kapdf {
 
 // The direction is chosen by the first call: `Write` deflates at zlib's default level until `flush`, `Read` inflates.
-class CZVFlate final : public CCompressionClass {
+class CZVFlate final : public RowPredictedCodec {
  public:
   // `inner`: a stage that the coded bytes pass first, or none. It stands on the same source.
   CZVFlate(CZVBaseIO &io, uint32_t length, std::unique_ptr<CCompressionClass> inner = nullptr);
@@ -22,7 +22,7 @@ class CZVFlate final : public CCompressionClass {
 
  protected:
   size_t compress(const uint8_t *buffer, size_t count) override;
-  size_t decompress(uint8_t *buffer, size_t count) override;
+  size_t DecodePlain(uint8_t *buffer, size_t count) override;
   std::string_view name() const override { return "Flate"; }
 
  private:
