@@ -63,9 +63,13 @@ void Interpreter::EmitStroke() {
     StartRecord(ElemLine, state_.strokeColor, &blocks_.line, sizeof blocks_.line);
     return;
   }
-  uint8_t *block = blocks_.polyline.Prepare(sizeof(PolylinePayload) + path.size_bytes() + 2 * sizeof(double));
+  // The first path has room for the structure in front of its points; others are copied behind one.
+  static_assert(sizeof(PolylinePayload) == CoordArray::kHeadBytes);
+  const bool inPlace = pendingPaths_ == 0 && (!closeContours_ || IsClosed(path));
+  uint8_t *block = inPlace ? paths_.FirstBlock()
+                           : blocks_.polyline.Prepare(sizeof(PolylinePayload) + path.size_bytes() + 2 * sizeof(double));
   uint8_t *points = block + sizeof(PolylinePayload);
-  const size_t values = CopyPoints(points, path, closeContours_);
+  const size_t values = inPlace ? path.size() : CopyPoints(points, path, closeContours_);
   PolylinePayload polyline = {};
   polyline.width = width;
   polyline.vertexCount = static_cast<int32_t>(values / 2);

@@ -39,6 +39,8 @@ class PathList {
     const size_t end = index + 1 < starts_.size() ? starts_[index + 1] : start_;
     return values_.values().subspan(starts_[index], end - starts_[index]);
   }
+  // The first path as a block: `CoordArray::kHeadBytes` of room, then its points.
+  uint8_t *FirstBlock() { return values_.head(); }
   // Forgets the finished paths and the current one.
   void Clear() {
     values_.Clear();

@@ -1,6 +1,7 @@
 #include "geometry/bezier.h"
 
 #include <cmath>
+#include <cstring>
 
 #include "base/limits.h"
 
@@ -9,6 +10,7 @@ namespace {
 
 constexpr double kStepLength = 0.2;
 constexpr int kFewestSteps = 10;
+constexpr double kPlainReach = 1e300;  // sums of coordinates that are not larger are representable
 
 int StepsFor(double legs) {
   if (!std::isfinite(legs)) return kFewestSteps;
@@ -16,15 +18,65 @@ int StepsFor(double legs) {
   return steps > kFewestSteps ? static_cast<int>(std::fmin(steps, limits::kCurvePoints + 1.0)) : kFewestSteps;
 }
 
-// The Bernstein sum of one coordinate, gathered by powers of the parameter: ((a t + b) t + c) t + d.
-struct Cubic {
-  Cubic(double p0, double p1, double p2, double p3)
-      : a(p3 - p0 + 3.0 * (p1 - p2)), b(3.0 * (p0 - 2.0 * p1 + p2)), c(3.0 * (p1 - p0)), d(p0) {}
-  double At(double t) const { return ((a * t + b) * t + c) * t + d; }
-  double a, b, c, d;
+struct Point {
+  double x, y;
+};
+inline Point operator+(Point a, Point b) { return {a.x + b.x, a.y + b.y}; }
+inline Point operator-(Point a, Point b) { return {a.x - b.x, a.y - b.y}; }
+inline Point operator*(Point a, double s) { return {a.x * s, a.y * s}; }
+
+// The curve by powers of the distance from its middle, counted in steps of the parameter: the Bernstein sum, gathered.
+// Points at equal distances on both sides share the even powers and differ in the sign of the odd ones, which takes
+// half the work of one by one.
+struct Powers {
+  Powers(Point p0, Point p1, Point p2, Point p3, double step)
+      : cubic((p3 - p0 + (p1 - p2) * 3.0) * (step * step * step)),
+        square(((p0 - p1) + (p3 - p2)) * (1.5 * step * step)),
+        linear(((p3 - p0) + (p2 - p1)) * (0.75 * step)),
+        middle(p0 + ((p3 - p0) + ((p1 - p0) + (p2 - p0)) * 3.0) * 0.125) {}
+  Point cubic, square, linear, middle;
 };
 
-// The same for values whose differences may not be representable: every one on the way lies between two others.
+// Two points, x and y in turn, at four lanes' worth of whatever the processor has.
+using TwoPoints = double __attribute__((vector_size(32)));
+
+[[gnu::always_inline]] inline void PushInnerPairs(double *out, int steps, const Powers &powers) {
+  const TwoPoints cubic = {powers.cubic.x, powers.cubic.y, powers.cubic.x, powers.cubic.y};
+  const TwoPoints square = {powers.square.x, powers.square.y, powers.square.x, powers.square.y};
+  const TwoPoints linear = {powers.linear.x, powers.linear.y, powers.linear.x, powers.linear.y};
+  const TwoPoints middle = {powers.middle.x, powers.middle.y, powers.middle.x, powers.middle.y};
+  double *back = out + 2 * (steps - 1) - 2;  // the last inner point
+  const double nearest = 0.5 * steps - 1.0;
+  TwoPoints distance = {nearest, nearest, nearest - 1.0, nearest - 1.0};
+  // Two from either end; a turn that meets the middle writes some points twice, with the same values.
+  for (int pairs = (steps - 1) / 2; pairs > 1; pairs -= 2, out += 4, back -= 4, distance -= 2.0) {
+    const TwoPoints squared = distance * distance;
+    const TwoPoints even = square * squared + middle, odd = (cubic * squared + linear) * distance;
+    const TwoPoints before = even - odd, behind = even + odd;
+    const TwoPoints turned = {behind[2], behind[3], behind[0], behind[1]};
+    std::memcpy(out, &before, sizeof before);
+    std::memcpy(back - 2, &turned, sizeof turned);
+  }
+  for (; out <= back; out += 2, back -= 2, distance -= 1.0) {
+    const TwoPoints squared = distance * distance;
+    const TwoPoints even = square * squared + middle, odd = (cubic * squared + linear) * distance;
+    const TwoPoints before = even - odd, behind = even + odd;
+    std::memcpy(out, &before, sizeof(Point));
+    std::memcpy(back, &behind, sizeof(Point));
+  }
+}
+
+[[gnu::target("avx2")]] void PushInnerWide(double *out, int steps, const Powers &powers) {
+  PushInnerPairs(out, steps, powers);
+}
+
+// The points between both ends. Wide registers give the same bits, as nothing is fused.
+void PushInner(double *out, int steps, const Powers &powers) {
+  static const bool wide = __builtin_cpu_supports("avx2");
+  wide ? PushInnerWide(out, steps, powers) : PushInnerPairs(out, steps, powers);
+}
+
+// One coordinate of a point whose differences may not be representable: every value on the way lies between two others.
 double Between(double p0, double p1, double p2, double p3, double t) {
   const double left = std::lerp(p0, p1, t), middle = std::lerp(p1, p2, t), right = std::lerp(p2, p3, t);
   return std::lerp(std::lerp(left, middle, t), std::lerp(middle, right, t), t);
@@ -44,25 +96,19 @@ void FlattenCubic(CoordArray &points, double x1, double y1, double x2, double y2
   const double legs = Distance(x0, y0, x1, y1) + Distance(x1, y1, x2, y2) + Distance(x2, y2, x3, y3);
   int steps = StepsFor(legs);
   if (steps > limits::kCurvePoints || points.size() / 2 + static_cast<size_t>(steps) > maxPoints) steps = 1;
-  const double step = 1.0 / steps;
   double *out = points.Extend(static_cast<size_t>(steps) * 2);
-  const auto count = static_cast<size_t>(steps);
-  out[2 * count - 2] = x3;
-  out[2 * count - 1] = y3;
-  if (!std::isfinite(legs)) {
+  double *end = out + 2 * (steps - 1);
+  end[0] = x3;
+  end[1] = y3;
+  if (!(legs + std::fabs(x0) + std::fabs(y0) < kPlainReach)) {
+    const double step = 1.0 / steps;
     for (int i = 1; i < steps; ++i, out += 2) {
       out[0] = Between(x0, x1, x2, x3, i * step);
       out[1] = Between(y0, y1, y2, y3, i * step);
     }
     return;
   }
-  const Cubic x(x0, x1, x2, x3), y(y0, y1, y2, y3);
-  double counter = 1.0;
-  for (size_t i = 0; i + 1 < count; ++i, counter += 1.0) {
-    const double t = counter * step;
-    out[2 * i] = x.At(t);
-    out[2 * i + 1] = y.At(t);
-  }
+  PushInner(out, steps, Powers({x0, y0}, {x1, y1}, {x2, y2}, {x3, y3}, 1.0 / steps));
 }
 
 }  // namespace kapdf

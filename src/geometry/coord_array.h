@@ -3,15 +3,17 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
-#include <utility>
 
 namespace kapdf {
 
 // Moves, and does not copy.
 class CoordArray {
  public:
+  static constexpr size_t kHeadBytes = 68;
+
   // `growBy`: values by which the storage grows at least; it grows by half of itself where that is more, so that a long
   // path costs no more per point than a short one.
   explicit CoordArray(size_t growBy = 32) : growBy_(growBy) {}
@@ -20,16 +22,19 @@ class CoordArray {
   size_t size() const { return size_; }
   bool empty() const { return size_ == 0; }
   size_t capacity() const { return capacity_; }
-  double *data() { return values_.get(); }
-  const double *data() const { return values_.get(); }
-  std::span<const double> values() const { return {values_.get(), size_}; }
+  double *data() { return values_; }
+  const double *data() const { return values_; }
+  std::span<const double> values() const { return {values_, size_}; }
+  // The place of a structure that heads the values in one block: `kHeadBytes` before the first value. Only when there
+  // are values.
+  uint8_t *head() { return reinterpret_cast<uint8_t *>(values_) - kHeadBytes; }
 
   // The slot, made together with every one before it when it is not there yet; new slots are zero.
   double &At(size_t index) {
     if (index >= size_) {
       const size_t old = size_;
       Extend(index + 1 - old);
-      std::fill(values_.get() + old, values_.get() + size_, 0.0);
+      std::fill(values_ + old, values_ + size_, 0.0);
     }
     return values_[index];
   }
@@ -43,7 +48,7 @@ class CoordArray {
   double *Extend(size_t count) {
     Reserve(size_ + count);
     size_ += count;
-    return values_.get() + size_ - count;
+    return values_ + size_ - count;
   }
   // Keeps that many values of those in use.
   void Truncate(size_t size) { size_ = size; }
@@ -51,7 +56,8 @@ class CoordArray {
   void Clear() {
     size_ = 0;
     if (capacity_ <= kKeptValues) return;
-    values_.reset();
+    storage_.reset();
+    values_ = nullptr;
     capacity_ = 0;
   }
 
@@ -60,14 +66,17 @@ class CoordArray {
     if (wanted <= capacity_) return;
     const size_t step = (wanted + growBy_ - 1) / growBy_ * growBy_;
     const size_t grown = std::max(step, capacity_ + std::max(capacity_ / 2, growBy_));
-    std::unique_ptr<double[]> values(new double[grown]);
-    std::copy_n(values_.get(), size_, values.get());
-    values_ = std::move(values);
+    std::unique_ptr<double[]> storage(new double[kHeadValues + grown]);
+    std::copy_n(values_, size_, storage.get() + kHeadValues);
+    storage_ = std::move(storage);
+    values_ = storage_.get() + kHeadValues;
     capacity_ = grown;
   }
 
   static constexpr size_t kKeptValues = size_t{1} << 17;
-  std::unique_ptr<double[]> values_;
+  static constexpr size_t kHeadValues = (kHeadBytes + sizeof(double) - 1) / sizeof(double);
+  std::unique_ptr<double[]> storage_;
+  double *values_ = nullptr;  // in the storage, behind the head
   size_t size_ = 0;
   size_t capacity_ = 0;
   size_t growBy_;

@@ -34,14 +34,16 @@ TEST(Bezier, StepsFollowTheControlPolygon) {
 }
 
 TEST(Bezier, PointsLieOnTheCurve) {
-  CoordArray points;
-  points.PushPoint(1, 2);
-  FlattenCubic(points, 3, 9, -4, 7, 6, -5, limits::kPathPoints);
-  const size_t last = points.size() / 2 - 1;
-  for (size_t i = 1; i <= last; ++i) {
-    const double t = static_cast<double>(i) / static_cast<double>(last), u = 1 - t;
-    EXPECT_NEAR(points.data()[2 * i], u * u * u + 9 * t * u * u - 12 * t * t * u + 6 * t * t * t, 1e-13);
-    EXPECT_NEAR(points.data()[2 * i + 1], 2 * u * u * u + 27 * t * u * u + 21 * t * t * u - 5 * t * t * t, 1e-13);
+  for (const double end : {-5.0, -5.2, -5.4, -5.6, -5.8}) {  // a step more each time
+    CoordArray points;
+    points.PushPoint(1, 2);
+    FlattenCubic(points, 3, 9, -4, 7, 6, end, limits::kPathPoints);
+    const size_t last = points.size() / 2 - 1;
+    for (size_t i = 1; i <= last; ++i) {
+      const double t = static_cast<double>(i) / static_cast<double>(last), u = 1 - t;
+      EXPECT_NEAR(points.data()[2 * i], u * u * u + 9 * t * u * u - 12 * t * t * u + 6 * t * t * t, 1e-13);
+      EXPECT_NEAR(points.data()[2 * i + 1], 2 * u * u * u + 27 * t * u * u + 21 * t * t * u + end * t * t * t, 1e-13);
+    }
   }
 }
 
