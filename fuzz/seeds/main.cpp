@@ -27,11 +27,12 @@ int main(int argc, char **argv) {
     return 2;
   }
   SeedFolder import(argv[1], "import"), objects(argv[1], "objects"), content(argv[1], "content"),
-      exports(argv[1], "export"), bombs(argv[1], "bombs");
+      exports(argv[1], "export"), codecs(argv[1], "codecs"), bombs(argv[1], "bombs");
   AddDocuments(import);
   AddObjects(objects);
   AddContents(content);
   AddDrawings(exports);
+  AddCodecs(codecs);
   AddBombs(bombs);
   return 0;
 }

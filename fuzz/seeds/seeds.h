@@ -23,6 +23,7 @@ void AddBombs(SeedFolder &folder);
 void AddObjects(SeedFolder &folder);
 void AddContents(SeedFolder &folder);
 void AddDrawings(SeedFolder &folder);
+void AddCodecs(SeedFolder &folder);
 
 // Statements of every group of operators.
 std::string_view SampleContent();

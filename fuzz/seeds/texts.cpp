@@ -1,5 +1,8 @@
-// Seeds that are texts: objects, contents, and the bytes from which the export target makes its records.
+// Seeds that are texts: objects, contents, coded data, and the bytes from which the export target makes its records.
+#include "io/codec_lzw.h"
+#include "io/memory_file.h"
 #include "seeds/seeds.h"
+#include "support/pdf_builder.h"
 
 namespace kapdf::fuzz {
 namespace {
@@ -105,6 +108,29 @@ void AddDrawings(SeedFolder &folder) {
       bytes += static_cast<char>(value >> 24);
     }
     folder.Add("records" + std::to_string(seed), bytes);
+  }
+}
+
+void AddCodecs(SeedFolder &folder) {
+  std::string rows;
+  for (int i = 0; i < 600; ++i) rows += static_cast<char>(i % 13 ? i * i >> 6 : i / 13 % 6);
+  CZVMemoryFileFlat sink;
+  CZVLzw lzw(sink, 0, 2);
+  lzw.Write(rows.data(), rows.size());
+  lzw.flush();
+  const std::string coded[] = {rows,
+                               "87cURD_*#TDfTZ)z~>",
+                               "48 65 6C 6C 6f>",
+                               "\2abc\xFE"
+                               "d\x7F" +
+                                   rows,
+                               std::string(sink.bytes().begin(), sink.bytes().end()),
+                               test::Deflate(rows)};
+  // Rows of 12 bytes: 12 of one byte, 4 of three, 32 of three bits, 2 of three 16-bit samples; then no image's.
+  for (const char *shape : {"\1\13\0\3", "\2\13\0\3", "\17\3\2\3", "\2\37\2\0", "\17\1\2\4", "\12\377\37\4"}) {
+    for (char codec = 0; codec < 6; ++codec)
+      folder.Add("codec" + std::to_string(codec) + "_" + std::to_string(shape[0]) + std::to_string(shape[3]),
+                 codec + std::string(shape, 4) + coded[static_cast<size_t>(codec)]);
   }
 }
 
