@@ -24,6 +24,7 @@ void AddObjects(SeedFolder &folder);
 void AddContents(SeedFolder &folder);
 void AddDrawings(SeedFolder &folder);
 void AddCodecs(SeedFolder &folder);
+void AddImages(SeedFolder &folder);
 
 // Statements of every group of operators.
 std::string_view SampleContent();

@@ -13,7 +13,8 @@ constexpr uint8_t kStart[] = {0xFF, 0x4F, 0xFF, 0x51};  // SOC and SIZ
 constexpr uint32_t kMarkerCod = 0xFF52, kMarkerCoc = 0xFF53, kMarkerSot = 0xFF90, kMarkerSod = 0xFF93;
 constexpr uint32_t kBands = 32;
 // Each beside what the coded bytes earn. A tile takes 14 bytes at least and a packet one, unless the end is missing.
-constexpr uint64_t kTileBands = 16384, kPackets = 1 << 20, kBlocks = 4 << 20, kPositions = 16 << 20;
+constexpr uint64_t kTileBands = 16384, kPackets = 1 << 20, kBlocks = 4 << 20, kPositions = 16 << 20,
+                   kPartBytes = 1 << 20;
 
 uint64_t Up(uint64_t value, uint64_t unit) { return (value + unit - 1) / unit; }
 uint64_t UpShift(uint64_t value, uint32_t shift) { return shift > 40 ? 1 : Up(value, uint64_t{1} << shift); }
@@ -32,6 +33,7 @@ class CodeStream {
       if (marker == kMarkerSot) {
         part = static_cast<size_t>(at);
         partBytes = Get(at + 6, 4);
+        if (partBytes > kPartBytes + 16 * bytes_.size()) return false;  // the library allocates it at once
       } else if (marker == kMarkerCod) {
         layers_ = std::max<uint64_t>(layers_, Get(at + 6, 2));
         if (!CodingWithinBounds(at + 9, (Get(at + 4, 1) & 1) != 0)) return false;

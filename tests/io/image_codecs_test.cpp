@@ -47,7 +47,8 @@ constexpr uint32_t kWidth = 37, kHeight = 50;
 std::string Slope(uint32_t components) {
   std::string all;
   for (uint32_t i = 0; i < kWidth * kHeight; ++i) {
-    for (uint32_t c = 0; c < components; ++c) all += static_cast<char>(40 + 2 * (i % kWidth) + (c + 1) * (i / kWidth) / 2);
+    for (uint32_t c = 0; c < components; ++c)
+      all += static_cast<char>(40 + 2 * (i % kWidth) + (c + 1) * (i / kWidth) / 2);
   }
   return all;
 }
