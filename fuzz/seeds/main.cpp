@@ -27,13 +27,15 @@ int main(int argc, char **argv) {
     return 2;
   }
   SeedFolder import(argv[1], "import"), objects(argv[1], "objects"), content(argv[1], "content"),
-      exports(argv[1], "export"), codecs(argv[1], "codecs"), images(argv[1], "images"), bombs(argv[1], "bombs");
+      exports(argv[1], "export"), codecs(argv[1], "codecs"), images(argv[1], "images"), faxes(argv[1], "ccitt"),
+      bombs(argv[1], "bombs");
   AddDocuments(import);
   AddObjects(objects);
   AddContents(content);
   AddDrawings(exports);
   AddCodecs(codecs);
   AddImages(images);
+  AddFaxes(faxes);
   AddBombs(bombs);
   return 0;
 }

@@ -25,6 +25,7 @@ void AddContents(SeedFolder &folder);
 void AddDrawings(SeedFolder &folder);
 void AddCodecs(SeedFolder &folder);
 void AddImages(SeedFolder &folder);
+void AddFaxes(SeedFolder &folder);
 
 // Statements of every group of operators.
 std::string_view SampleContent();
