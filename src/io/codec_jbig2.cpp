@@ -20,6 +20,8 @@ constexpr size_t kEarnedPerByte = 1024;  // allocated bytes for each coded byte,
 constexpr size_t kMostAllocated = size_t{1} << 30;
 constexpr uint64_t kComposed = uint64_t{16} << 30;  // bytes of symbols and patterns that are put on regions
 
+constexpr uint64_t kInstances = 1'000'000;  // of symbols in one region, beside an eighth of a bit for each
+
 using Bytes = std::span<const uint8_t>;
 
 // What the library allocates, all in all, stands for its work as well: it decodes into what it allocated before.
@@ -94,6 +96,7 @@ struct Segment {
     const auto end = std::search(data.begin() + 18, data.end(), marker, marker + 2);
     if (data.end() - end >= 6) dataBytes = static_cast<uint32_t>(end - data.begin()) + 6;
   }
+  bool IsText() const { return type == 4 || type == 6 || type == 7; }
   bool IsDictionary() const { return type == 0 || type == 16; }
   // How many symbols or patterns a region says that it is made of.
   uint64_t Instances(Bytes data) const {
@@ -101,7 +104,7 @@ struct Segment {
       const uint64_t columns = Word(data, 18), rows = Word(data, 22);
       return rows != 0 && columns > kComposed / rows ? kComposed : columns * rows;
     }
-    if ((type != 4 && type != 6 && type != 7) || data.size() < 19) return 0;
+    if (!IsText() || data.size() < 19) return 0;
     const bool huffman = data[18] & 1, refined = data[18] & 2, smallTemplate = data[17] & 0x80;
     return Word(data, size_t{19} + (huffman ? 2 : 0) + (refined && !smallTemplate ? 4 : 0));
   }
@@ -116,6 +119,7 @@ struct Feeder {
     const uint64_t region = (uint64_t{Word(data, 0)} + 7) / 8 * Word(data, 4);
     const uint64_t each = 64 + std::min<uint64_t>(allocator.largestImage, region);
     const uint64_t instances = segment.Instances(data);
+    if (segment.IsText() && instances > kInstances + 64 * uint64_t{data.size()}) return false;
     if (instances > (kComposed - composed) / each) return false;
     composed += instances * each;
     return true;
