@@ -2,7 +2,8 @@
 // program can be tested for what it does with them.
 //
 // The text of the file to be read says what happens: "all" serves one record of every kind, "interrupt" lines without
-// an end and Ctrl-C at the fifth, "infinite" a circle of infinite radius, "refuse N" result N. What was served is
+// an end and Ctrl-C at the fifth, "infinite" a circle of infinite radius, "refuse N" result N, "rasters" one raster of
+// each form. What was served is
 // written down in FILE.served, what is to be written goes to the output file as calls.
 #include <csignal>
 #include <cstring>
@@ -125,6 +126,30 @@ class Script {
     // The first two definitions come in one call.
     records_[1].next = &records_[2];
   }
+  void AddRasters() {
+    std::vector<uint8_t> palette(1028);
+    const uint8_t entries[] = {0, 3, 3, 0, 1, 2, 3, 0, 4, 5, 6, 0, 7, 8, 9, 255};
+    std::copy(std::begin(entries), std::end(entries), palette.begin());
+    AddRaster(u"a/b", {10, 2, 0, 0, 254, 1, 0, nullptr},
+              {{2, 0, 0, 0, 1, 0, 0, 0, 3, 0, 0, 0, 9, 0, 0, 0, 99, 0, 0, 0}, {0, 0, 0, 0}});
+    AddRaster(u"Im", {4, 1, 0, 0, 100, 0, 2, Keep(palette)}, {{2, 1, 0, 200}});
+    AddRaster(u"im", {2, 2, 0, 0, 100, 0, 4, nullptr}, {{1, 2, 3, 4, 5, 6, 99, 99}});
+    AddRaster(u"im", {2, 1, 0, 0, 100, 0, 5, nullptr}, {{1, 2, 3, 0, 4, 5, 6, 255}, {9}});
+    AddRaster(u"none", {2, 1, 0, 0, 100, 0, 3, nullptr}, {{1, 2}});  // a form that there is not
+  }
+  void AddRaster(const std::u16string &name, const RasterHeaderPayload &header,
+                 const std::vector<std::vector<uint8_t>> &rows) {
+    ElementRecord &placement =
+        Add(ElemRasterPlacement, RasterPlacementPayload{10, 20, 1.5707963267948966, 1, -1, 50, {}, 0});
+    placement.color = 0x800000FF;
+    SetName(placement.styleName, name);
+    SetName(Add(ElemRasterHeader, header).styleName, name);
+    for (const std::vector<uint8_t> &bytes : rows) {
+      ElementRecord &row = Add(ElemRasterRows);
+      row.payload = Keep(bytes);
+      row.payloadBytes = static_cast<uint32_t>(bytes.size());
+    }
+  }
   // A payload and the bytes that stand right behind it.
   template <class Payload>
   ElementRecord &Add(uint32_t kind, const Payload &payload, const std::vector<uint8_t> &behind = {}) {
@@ -217,6 +242,7 @@ uint32_t OpenRead(FilterObject *self, const char16_t *path, FileInfo *info, Prog
   if (const uint32_t result = ReadWord(f, path); result != 0) return result;
   f.next = 0;
   if (f.word == "all" && f.script.size() == 0) f.script.AddAll();
+  if (f.word == "rasters" && f.script.size() == 0) f.script.AddRasters();
   f.log.open(std::filesystem::path(PathOf(path)) += ".served", std::ios::binary);
   return 0;
 }
@@ -238,7 +264,7 @@ uint32_t ReadScript(FakeFilter &f, ElementRecord *record) {
 
 uint32_t ReadElement(FilterObject *self, ElementRecord *record) {
   FakeFilter &f = Self(self);
-  if (f.word == "all") return ReadScript(f, record);
+  if (f.script.size() > 0) return ReadScript(f, record);
   static LinePayload line{0.1, 0, 0, 1, 1};
   static CirclePayload circle{0, 0, 0, std::numeric_limits<double>::infinity()};
   if (++f.next == 5 && f.word == "interrupt") std::raise(SIGINT);

@@ -2,12 +2,14 @@
 #include "tool.h"
 
 #include <gtest/gtest.h>
+#include <png.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
+#include "base64.h"
 #include "os.h"
 #include "platform/settings.h"
 
@@ -211,6 +213,61 @@ TEST(Tool, TellsAboutFileModuleAndEveryPage) {
   }
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("kapdf export plan.jsonl"), std::string::npos);
+}
+
+// "width x height:" and each pixel as red, green, blue and opacity.
+std::string Pixels(const std::string &png) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  if (png_image_begin_read_from_memory(&image, png.data(), png.size()) == 0) return image.message;
+  image.format = PNG_FORMAT_RGBA;
+  std::vector<uint8_t> bytes(PNG_IMAGE_SIZE(image));
+  png_image_finish_read(&image, nullptr, bytes.data(), 0, nullptr);
+  std::ostringstream out;
+  out << image.width << "x" << image.height << ":" << std::hex;
+  for (size_t i = 0; i < bytes.size(); ++i) out << (i % 4 ? "." : " ") << unsigned{bytes[i]};
+  return out.str();
+}
+
+TEST(Tool, RastersBecomePictures) {
+  Write("rasters.pdf", "rasters");
+  const auto bilevel = [](const std::string &ink, const std::string &ground) {
+    const std::string ends = ink + ground + ground + ground;  // the runs are ground
+    std::string all = "10x2:" + ends;
+    for (int i = 4; i < 9; ++i) all += ink;
+    all += ground;
+    for (int i = 0; i < 10; ++i) all += ink;
+    return all;
+  };
+  const std::string red = bilevel(" ff.0.0.ff", " ff.ff.ff.0"), black = bilevel(" 0.0.0.ff", " ff.ff.ff.ff");
+  const struct {
+    std::string name, pixels;
+  } cases[] = {{"page1-a_b.png", ""},
+               {"page1-Im.png", "4x1: 7.8.9.0 4.5.6.ff 1.2.3.ff 0.0.0.ff"},
+               {"page1-im-2.png", "2x2: 1.2.3.ff 4.5.6.ff 0.0.0.ff 0.0.0.ff"},
+               {"page1-im-3.png", "2x1: 1.2.3.ff 4.5.6.0"}};
+
+  const Ran lines = Kapdf({"import", "rasters.pdf", "--images", "pics 1", "-o", "rasters.jsonl"});
+  EXPECT_NE(lines.err.find("pics 1: 4 pictures"), std::string::npos) << lines.err;
+  ASSERT_EQ(Kapdf({"import", "rasters.pdf", "--images", "pics 2", "-o", "linked.svg"}).status, 0);
+  ASSERT_EQ(Kapdf({"import", "rasters.pdf", "-o", "embedded.svg"}).status, 0);
+  const std::string json = Read("rasters.jsonl"), linked = Read("linked.svg"), embedded = Read("embedded.svg");
+  EXPECT_EQ(LinesWith(json, "{\"kind\":\"rasterRow\"").size(), 1u) << "of the raster that is no picture";
+  size_t at = 0;
+  for (const auto &[name, pixels] : cases) {
+    EXPECT_EQ(Pixels(Read("pics 1/" + name)), pixels.empty() ? black : pixels) << name;
+    EXPECT_EQ(Pixels(Read("pics 2/" + name)), pixels.empty() ? red : pixels) << name;
+    EXPECT_NE(json.find("\"file\":\"pics 1/" + name + "\""), std::string::npos) << json;
+    EXPECT_NE(linked.find("xlink:href=\"pics%202/" + name + "\""), std::string::npos) << linked;
+    at = embedded.find("base64,", at) + 7;
+    const auto png = FromBase64(embedded.substr(at, embedded.find('"', at) - at)).value_or(std::vector<uint8_t>());
+    EXPECT_EQ(Pixels({png.begin(), png.end()}), pixels.empty() ? red : pixels) << name;
+  }
+  EXPECT_NE(linked.find("<image transform=\"translate(10 -20) rotate(-90) scale(1 -1)\" x=\"0\" y=\"-0.2\" width=\"1\" "
+                        "height=\"0.2\" preserveAspectRatio=\"none\" opacity=\"0.5\" xlink"),
+            std::string::npos)
+      << linked;
+  EXPECT_EQ(Kapdf({"export", "rasters.jsonl", "-o", "rasters.log"}).status, 0);
 }
 
 }  // namespace

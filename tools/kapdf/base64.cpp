@@ -16,6 +16,23 @@ void AppendBase64(std::string &out, std::span<const uint8_t> bytes) {
   }
 }
 
+void Base64Stream::Put(std::span<const uint8_t> bytes) {
+  while (count_ > 0 && count_ < 3 && !bytes.empty()) {
+    held_[count_++] = bytes[0];
+    bytes = bytes.subspan(1);
+  }
+  if (count_ == 3) End();
+  if (count_ > 0) return;
+  const size_t whole = bytes.size() / 3 * 3;
+  AppendBase64(out_, bytes.first(whole));
+  for (const uint8_t byte : bytes.subspan(whole)) held_[count_++] = byte;
+}
+
+void Base64Stream::End() {
+  AppendBase64(out_, {held_, count_});
+  count_ = 0;
+}
+
 std::optional<std::vector<uint8_t>> FromBase64(std::string_view text) {
   if (text.size() % 4 != 0) return std::nullopt;
   std::vector<uint8_t> bytes;

@@ -37,6 +37,8 @@ struct ImportRequest {
   bool all = false;
   std::string options;
   std::string output;  // empty: JSON Lines to the standard output
+  std::string images;  // folder for the rasters as PNG files; empty: they stand in the output
+  std::string folder;  // the current one when the program started
 };
 
 struct ExportRequest {

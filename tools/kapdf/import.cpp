@@ -1,10 +1,13 @@
 #include <memory>
 
+#include "base64.h"
 #include "commands.h"
 #include "output.h"
 #include "page_reader.h"
+#include "picture_folder.h"
 #include "record_writer.h"
 #include "summary.h"
+#include "svg_text.h"
 #include "svg_writer.h"
 #include "utf.h"
 
@@ -20,9 +23,9 @@ bool EndsWith(const std::string &path, std::string_view ending) {
 // page that does not exist costs nobody an older file.
 class JsonLinesSink : public RecordSink {
  public:
-  // To the standard output if `path` is empty.
-  JsonLinesSink(std::ostream &standard, std::string path, std::string file)
-      : path_(std::move(path)), file_(std::move(file)) {
+  // To the standard output if `path` is empty. Without `pictures` the rows of rasters are lines like everything else.
+  JsonLinesSink(std::ostream &standard, std::string path, std::string file, PictureFolder *pictures)
+      : path_(std::move(path)), file_(std::move(file)), pictures_(pictures) {
     output_.UseStream(standard);
   }
 
@@ -31,6 +34,7 @@ class JsonLinesSink : public RecordSink {
       if (Outcome opened = output_.OpenFile(path_); !opened.ok()) return opened;
     }
     begun_ = true;
+    page_ = page;
     std::string &out = output_.buffer();
     out += "{\"kapdf\":1,\"page\":" + std::to_string(page) + ",\"pages\":" + std::to_string(pages) + ",\"file\":";
     AppendJsonText(out, std::string_view(file_));
@@ -39,26 +43,35 @@ class JsonLinesSink : public RecordSink {
   }
   Outcome Take(const ElementRecord &record) override {
     ++count_;
-    if (const auto fault = AppendRecord(output_.buffer(), record)) {
+    if (pictures_ != nullptr && pictures_->open()) return pictures_->AddRow(record);
+    std::string_view picture;
+    if (pictures_ != nullptr && record.kind == ElemRasterHeader) {
+      if (Outcome begun = pictures_->Begin(page_, record, {}); !begun.ok()) return begun;
+      if (pictures_->open()) picture = pictures_->path();
+    }
+    if (const auto fault = AppendRecord(output_.buffer(), record, picture)) {
       return Fail("record " + std::to_string(count_) + " that came from the module cannot be written: it is " + *fault);
     }
     return output_.Spill();
   }
+  Outcome EndRaster() override { return pictures_ != nullptr && pictures_->open() ? pictures_->End() : Outcome{}; }
   Outcome EndPage() override { return {}; }
   Outcome Finish() { return output_.Finish(); }
 
  private:
   Output output_;
   std::string path_, file_;
+  PictureFolder *pictures_;
   bool begun_ = false;
+  int page_ = 0;
   uint64_t count_ = 0;
 };
 
-// A file for each page: OUT.svg, or OUT-1.svg, OUT-2.svg and so on.
+// A file for each page: OUT.svg, or OUT-1.svg, OUT-2.svg and so on. Without `pictures` the rasters stand in it.
 class SvgSink : public RecordSink {
  public:
-  SvgSink(std::string path, std::string file, bool numbered)
-      : path_(std::move(path)), file_(std::move(file)), numbered_(numbered) {}
+  SvgSink(std::string path, std::string file, bool numbered, PictureFolder *pictures)
+      : path_(std::move(path)), file_(std::move(file)), numbered_(numbered), pictures_(pictures) {}
 
   Outcome BeginPage(int page, int) override {
     drawing_ = std::make_unique<SvgPage>();
@@ -66,8 +79,19 @@ class SvgSink : public RecordSink {
     return {};
   }
   Outcome Take(const ElementRecord &record) override {
+    if (record.kind == ElemRasterHeader) return pictures_ != nullptr ? Link(record) : Embed(record);
+    if (record.kind == ElemRasterRows) return AddRow(record);
     drawing_->Add(record);
     return {};
+  }
+  Outcome EndRaster() override {
+    if (pictures_ != nullptr) return pictures_->open() ? pictures_->End() : Outcome{};
+    if (!picture_) return {};
+    const bool ended = picture_->Finish();
+    picture_.reset();
+    base64_->End();
+    drawing_->CloseRaster(*raster_);
+    return ended ? Outcome{} : NoMemory();
   }
   Outcome EndPage() override {
     Output output;
@@ -77,6 +101,28 @@ class SvgSink : public RecordSink {
   }
 
  private:
+  static Outcome NoMemory() { return Fail("there is not enough memory for a raster"); }
+  Outcome Link(const ElementRecord &header) {
+    if (Outcome begun = pictures_->Begin(page_, header, drawing_->placementInk()); !begun.ok()) return begun;
+    std::string *text = pictures_->open() ? drawing_->OpenRaster(header) : nullptr;
+    if (text == nullptr) return {};
+    AppendAddress(*text, pictures_->path());
+    drawing_->CloseRaster(*text);
+    return {};
+  }
+  Outcome Embed(const ElementRecord &header) {
+    raster_ = RasterPicture::Suits(header) ? drawing_->OpenRaster(header) : nullptr;
+    if (raster_ == nullptr) return {};
+    *raster_ += "data:image/png;base64,";
+    base64_ = std::make_unique<Base64Stream>(*raster_);
+    picture_ = RasterPicture::Begin(header, drawing_->placementInk(),
+                                    [to = base64_.get()](std::span<const uint8_t> bytes) { to->Put(bytes); });
+    return picture_ ? Outcome{} : NoMemory();
+  }
+  Outcome AddRow(const ElementRecord &record) {
+    if (pictures_ != nullptr) return pictures_->open() ? pictures_->AddRow(record) : Outcome{};
+    return !picture_ || picture_->AddRow(record) ? Outcome{} : NoMemory();
+  }
   std::string PagePath() const {
     if (!numbered_) return path_;
     const std::filesystem::path whole = PathOf(path_);
@@ -86,8 +132,13 @@ class SvgSink : public RecordSink {
 
   std::string path_, file_;
   bool numbered_;
+  PictureFolder *pictures_;
   int page_ = 0;
   std::unique_ptr<SvgPage> drawing_;
+  // A raster that goes into the drawing while its rows come.
+  std::string *raster_ = nullptr;
+  std::unique_ptr<Base64Stream> base64_;
+  std::unique_ptr<RasterPicture> picture_;
 };
 
 // Counts what goes by.
@@ -99,6 +150,7 @@ class CountingSink : public RecordSink {
     counts_.Count(record.kind);
     return target_.Take(record);
   }
+  Outcome EndRaster() override { return target_.EndRaster(); }
   Outcome EndPage() override { return target_.EndPage(); }
   const KindCounts &counts() const { return counts_; }
 
@@ -143,15 +195,24 @@ Outcome RunImport(const Session &session, const ImportRequest &request) {
 
   PageReader reader(session, request.file);
   if (Outcome opened = reader.Open(); !opened.ok()) return opened;
-  JsonLinesSink linesSink(session.streams.out, svg ? "" : request.output, request.file);
-  SvgSink svgSink(request.output, request.file, request.all);
+  // What the output calls the pictures is a way from where it stands.
+  const std::string base = request.output.empty() ? request.folder : Utf8Of(PathOf(request.output).parent_path());
+  PictureFolder folder(request.images, base);
+  PictureFolder *pictures = request.images.empty() ? nullptr : &folder;
+  JsonLinesSink linesSink(session.streams.out, svg ? "" : request.output, request.file, pictures);
+  SvgSink svgSink(request.output, request.file, request.all, pictures);
   CountingSink sink(svg ? static_cast<RecordSink &>(svgSink) : linesSink);
 
   Progress progress(session.streams.err, session.showProgress);
   Outcome outcome = ReadPages(reader, request, progress, sink);
   progress.Clear();
   if (outcome.ok() && !svg) outcome = linesSink.Finish();
-  if (outcome.ok()) TellSummary(session, request, reader, sink.counts());
+  if (!outcome.ok()) return outcome;
+  folder.Keep();
+  TellSummary(session, request, reader, sink.counts());
+  if (pictures != nullptr && !session.quiet) {
+    session.streams.err << "kapdf: " << request.images << ": " << folder.count() << " pictures\n";
+  }
   return outcome;
 }
 

@@ -77,7 +77,7 @@ Outcome PageReader::ReadRaster(const ElementRecord &placement, Progress &progres
     record.kind = ElemRasterRows;
     const uint32_t result = filter_.table().ReadElement(filter_.get(), &record);
     if (result == FilterCancelled) return Interrupted();
-    if (result != FilterOk) return {};
+    if (result != FilterOk) return sink.EndRaster();
     if (Outcome taken = sink.Take(record); !taken.ok()) return taken;
   }
   return Interrupted();

@@ -17,6 +17,8 @@ class RecordSink {
   virtual Outcome BeginPage(int page, int pages) = 0;
   // The record is valid during the call only.
   virtual Outcome Take(const ElementRecord &record) = 0;
+  // The rows of the header that was taken last have ended.
+  virtual Outcome EndRaster() { return {}; }
   virtual Outcome EndPage() = 0;
 };
 

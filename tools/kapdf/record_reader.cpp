@@ -195,7 +195,7 @@ class RecordBuilder {
       case ElemFontDef:
         return ReadFontRest(payload);
       case ElemRasterHeader:
-        return ReadPalette(payload);
+        return ReadHeaderRest(payload);
       default:
         return true;
     }
@@ -317,7 +317,11 @@ class RecordBuilder {
     return true;
   }
 
-  bool ReadPalette(PayloadBuilder &payload) {
+  // Pictures beside the drawing are not read: a header with a "file" stands without rows.
+  bool ReadHeaderRest(PayloadBuilder &payload) {
+    if (const JsonValue *file = line_.Find("file"); file != nullptr && file->type != Type::kText) {
+      return Wants("file", "a text");
+    }
     const JsonValue *palette = line_.Find("palette");
     if (palette == nullptr) return true;
     const auto bytes = palette->type == Type::kText ? FromBase64(palette->text) : std::nullopt;

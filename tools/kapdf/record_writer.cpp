@@ -292,7 +292,7 @@ void AppendJsonText(std::string &out, std::u16string_view text) {
   out += ']';
 }
 
-std::optional<std::string> AppendRecord(std::string &out, const ElementRecord &record) {
+std::optional<std::string> AppendRecord(std::string &out, const ElementRecord &record, std::string_view picture) {
   const Kind *kind = FindKind(record.kind);
   if (kind == nullptr) return "of kind " + std::to_string(record.kind) + ", which is unknown";
   if (kind->payloadBytes > 0 && (record.payload == nullptr || record.payloadBytes < kind->payloadBytes)) {
@@ -303,6 +303,10 @@ std::optional<std::string> AppendRecord(std::string &out, const ElementRecord &r
   WriteCommon(line, record, *kind);
   for (const Field &field : kind->fields) WriteField(line, field, record.payload);
   const char *fault = WriteRest(line, record);
+  if (!picture.empty()) {
+    line.Key("file");
+    AppendJsonText(out, picture);
+  }
   if (fault == nullptr && !line.finite()) fault = "a value that is not finite";
   if (fault != nullptr) {
     out.resize(start);

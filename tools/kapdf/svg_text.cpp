@@ -69,6 +69,23 @@ void AppendXml(std::string &out, std::u16string_view text) {
   AppendXml(out, std::string_view(ToUtf8(allowed)));
 }
 
+void AppendAddress(std::string &out, std::string_view utf8Path) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF", kMarks = "-._~/";
+  const bool drive = utf8Path.size() > 1 && utf8Path[1] == ':';
+  if (drive || utf8Path.starts_with('/')) out += drive ? "file:///" : "file://";
+  for (size_t i = 0; i < utf8Path.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(utf8Path[i]);
+    const bool plain = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
+    if (plain || kMarks.find(utf8Path[i]) != std::string_view::npos || (drive && i == 1)) {
+      out += utf8Path[i];
+    } else {
+      out += '%';
+      out += kDigits[byte >> 4];
+      out += kDigits[byte & 15];
+    }
+  }
+}
+
 void AppendPoints(std::string &out, std::span<const Point> points) {
   bool first = true;
   for (const Point p : points) {

@@ -17,6 +17,8 @@ void AppendAttribute(std::string &out, const char *name, double value);
 // Markup characters escaped; characters that XML forbids become U+FFFD.
 void AppendXml(std::string &out, std::string_view utf8);
 void AppendXml(std::string &out, std::u16string_view text);
+// A path with slashes as an address: what may not stand there is written as %XX.
+void AppendAddress(std::string &out, std::string_view utf8Path);
 // "x,y x,y ..."
 void AppendPoints(std::string &out, std::span<const Point> points);
 // "M x y A ..." of an arc that is not a whole ellipse.

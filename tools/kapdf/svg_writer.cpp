@@ -76,7 +76,6 @@ void AppendStroke(std::string &out, const std::string &color, double width, cons
 }  // namespace
 
 void SvgPage::Add(const ElementRecord &record) {
-  if (record.kind == ElemRasterHeader) return DrawRaster(record);
   if (!IsDrawn(record.kind)) return Define(record);
   const Kind *kind = FindKind(record.kind);
   if (record.payload == nullptr || record.payloadBytes < kind->payloadBytes) return;
@@ -87,6 +86,7 @@ void SvgPage::Add(const ElementRecord &record) {
   if (RasterPlacementPayload placement; record.kind == ElemRasterPlacement && CopyPayload(record, placement)) {
     placement_ = placement;
     placementLayer_ = layer;
+    placementInk_ = current_;
     return;
   }
   Draw(GroupFor(layer, box, Fills(record)), record, ink);
@@ -113,7 +113,7 @@ size_t SvgPage::LayerOf(const ElementRecord &record) {
 SvgPage::Ink SvgPage::InkOf(const ElementRecord &record, size_t layer) {
   const uint32_t color = ResolveColor(record.color, layers_[layer].color, current_);
   current_ = color;
-  if (!Fills(record) && IsNearlyWhite(color)) whiteInk_ = true;
+  if (!Fills(record) && record.kind != ElemRasterPlacement && IsNearlyWhite(color)) whiteInk_ = true;
   const auto pattern = patterns_.find(record.styleName);
   return {Hex(color), layers_[layer].width >= 0 ? layers_[layer].width : WidthOf(record),
           pattern != patterns_.end() ? &pattern->second : nullptr};
@@ -240,27 +240,33 @@ void SvgPage::DrawText(std::string &out, const ElementRecord &record, const Ink 
   out += "</text>\n";
 }
 
-// The picture itself is not in the drawing; its frame shows where it lies.
-void SvgPage::DrawRaster(const ElementRecord &header) {
+// The frame lies with its lower left corner at the placement and is turned about it; a scale below zero mirrors it.
+std::string *SvgPage::OpenRaster(const ElementRecord &header) {
   RasterHeaderPayload raster;
-  if (!CopyPayload(header, raster) || raster.dpi == 0) return;
+  if (!CopyPayload(header, raster) || raster.dpi == 0 || layers_.empty()) return nullptr;
   const double width = placement_.scaleX * raster.width * 25.4 / raster.dpi;
   const double height = placement_.scaleY * raster.height * 25.4 / raster.dpi;
   const double c = std::cos(placement_.angle), s = std::sin(placement_.angle);
-  const auto corner = [&](double along, double up) {
-    return Point{placement_.x + along * c - up * s, placement_.y + along * s + up * c};
-  };
-  const Point corners[] = {corner(0, 0), corner(width, 0), corner(width, height), corner(0, height)};
   Box box;
-  for (const Point p : corners) box.Add(p);
+  for (const auto &[along, up] : {Point{0, 0}, {width, 0}, {width, height}, {0, height}}) {
+    box.Add({placement_.x + along * c - up * s, placement_.y + along * s + up * c});
+  }
   box_.Merge(box);
-  if (layers_.empty()) return;
+  if (raster.pixelType == 0 && IsNearlyWhite(placementInk_)) whiteInk_ = true;
   std::string &out = GroupFor(placementLayer_, box, true);
-  out += "<polygon points=\"";
-  AppendPoints(out, corners);
-  out += "\" fill=\"#dddddd\" class=\"hair\" stroke=\"#888888\"><title>raster ";
-  AppendXml(out, header.styleName);
-  out += "</title></polygon>\n";
+  out += "<image transform=\"translate(" + SvgNumber(placement_.x) + " " + SvgNumber(-placement_.y) + ")";
+  if (placement_.angle != 0) out += " rotate(" + SvgNumber(-placement_.angle * 180 / std::numbers::pi) + ")";
+  if (width < 0 || height < 0) {
+    out += std::string(" scale(") + (width < 0 ? "-1 " : "1 ") + (height < 0 ? "-1)" : "1)");
+  }
+  out += "\" x=\"0\"";
+  AppendAttribute(out, "y", -std::abs(height));
+  AppendAttribute(out, "width", std::abs(width));
+  AppendAttribute(out, "height", std::abs(height));
+  out += " preserveAspectRatio=\"none\"";
+  if (placement_.opacity < 100) AppendAttribute(out, "opacity", std::max(placement_.opacity, 0.0) / 100);
+  out += " xlink:href=\"";
+  return &out;
 }
 
 void SvgPage::Finish(std::string &out, const std::string &title) const {
@@ -271,7 +277,8 @@ void SvgPage::Finish(std::string &out, const std::string &title) const {
   const std::string width = SvgNumber(box.width()), height = SvgNumber(box.height());
   out +=
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" "
-      "xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\" width=\"" +
+      "xmlns:xlink=\"http://www.w3.org/1999/xlink\" xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\" "
+      "width=\"" +
       width + "mm\" height=\"" + height + "mm\" viewBox=\"" + x + " " + y + " " + width + " " + height + "\">\n<title>";
   AppendXml(out, std::string_view(title));
   // A hairline is a pixel wide at every size, and thin where a viewer knows no such lines.

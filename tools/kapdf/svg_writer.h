@@ -18,6 +18,12 @@ namespace kapdf::tool {
 class SvgPage {
  public:
   void Add(const ElementRecord &record);
+  // The picture that belongs to the placement added last. Appends to the text that is given back; the picture's address
+  // goes behind it, and CloseRaster ends it ahead of the next element. Null when it has no place.
+  std::string *OpenRaster(const ElementRecord &header);
+  void CloseRaster(std::string &text) const { text += "\"/>\n"; }
+  // Packed colour of that placement, for bilevel pictures.
+  uint32_t placementInk() const { return placementInk_; }
   // Appends the whole document. `title` in UTF-8.
   void Finish(std::string &out, const std::string &title) const;
 
@@ -45,7 +51,6 @@ class SvgPage {
   Ink InkOf(const ElementRecord &record, size_t layer);
   void Draw(std::string &out, const ElementRecord &record, const Ink &ink) const;
   void DrawText(std::string &out, const ElementRecord &record, const Ink &ink) const;
-  void DrawRaster(const ElementRecord &header);
 
   std::vector<Layer> layers_;
   std::map<std::u16string, size_t> layerIndex_;
@@ -58,6 +63,7 @@ class SvgPage {
   // The placement that a raster header belongs to.
   RasterPlacementPayload placement_{};
   size_t placementLayer_ = 0;
+  uint32_t placementInk_ = 0;
 };
 
 }  // namespace kapdf::tool

@@ -18,6 +18,8 @@ Examples
       See what came in: layers are groups, open it in any browser.
   kapdf import plan.pdf --page 2 -o plan.jsonl
       The elements of page 2, one to a line, in millimetres.
+  kapdf import scan.pdf --images pictures -o scan.jsonl
+      The rasters as PNG files, and lines that name them.
   kapdf import plan.pdf | grep '"kind":"circle"'
       Without -o the lines go to the standard output.
   kapdf export plan.jsonl -o new.pdf --options "/frame 5 /origin 1"
@@ -67,6 +69,7 @@ std::vector<CLI::App *> Declare(CLI::App &app, CommandLine &line) {
       ->type_name("S");
   import->add_option("-o", line.import.output, "OUT.jsonl or OUT.svg; JSON Lines to the standard output if not given")
       ->type_name("OUT");
+  import->add_option("--images", line.import.images, "Write the rasters as PNG files to this folder")->type_name("DIR");
 
   CLI::App *exporting = app.add_subcommand("export", "Write a drawing in JSON Lines as a PDF file");
   exporting->add_option("DRAWING", line.exporting.drawing, "The drawing; - reads the standard input")->required();
@@ -95,7 +98,9 @@ bool SameFile(const std::string &a, const std::string &b) {
 // Everything that depends on the current directory, ahead of the module, which changes it.
 Outcome ResolvePaths(CommandLine &line) {
   if (line.import.output == "-") line.import.output.clear();
-  for (std::string *path : {&line.info.file, &line.import.file, &line.import.output, &line.exporting.output}) {
+  line.import.folder = AbsolutePath(".");
+  for (std::string *path :
+       {&line.info.file, &line.import.file, &line.import.output, &line.import.images, &line.exporting.output}) {
     if (!path->empty()) *path = AbsolutePath(*path);
   }
   if (line.exporting.drawing != "-") line.exporting.drawing = AbsolutePath(line.exporting.drawing);
