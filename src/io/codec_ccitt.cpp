@@ -1,6 +1,7 @@
 #include "io/codec_ccitt.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "base/bytes.h"
@@ -12,6 +13,7 @@ namespace kapdf {
 
 using ccitt::BitReader;
 using ccitt::ChangeRow;
+using ccitt::Code;
 
 namespace {
 
@@ -129,10 +131,15 @@ bool CZVCCITT3::TakeMark(BitReader &input) {
   return bytesAligned_ && input.TakeEndOfLine();
 }
 
-// Goes on to the next one when it must be there, or when the row broke off and may be followed by one. A row that
-// broke off may have taken the first zeros of the mark for its own.
+// Goes on to the next one when it must be there, or when the row broke off and may be followed by one. A mark with one
+// wrong bit behind a good row still is a mark. A row that broke off may have taken a mark's first zeros for its own.
 bool CZVCCITT3::FindMark(BitReader &input) {
   if (!tagged_ && marks_ < (rowGood_ ? 2 : 1)) return false;
+  const Code mark = ccitt::kEndOfLine;
+  if (rowGood_ && marks_ > 0 && std::popcount(input.Peek(mark.count) ^ mark.bits) == 1) {
+    input.Skip(mark.count);
+    return true;
+  }
   input.GoBack(std::min<uint64_t>(32, input.Position() - rowStart_));
   return input.FindEndOfLine();
 }

@@ -110,6 +110,7 @@ TEST(Ccitt, BitByBit) {
       // Damage: reading goes on at the end-of-line code, even if its first zeros were taken for the row's.
       {k1D, 8, eol + rowA + eol + "0111 10 00000000011" + eol + rowA + eol + all, {a, "..###...", a, black}},
       {k1D, 8, eol + rowA + eol + "1011 1" + eol + rowA + eol + all, {a, "....###.", a, black}},
+      {k1D, 8, eol + rowA + eol + all + "000010000001" + rowA + eol + all, {a, black, a, black}},
       {k1D, 8, rowA + "0111 10 00000000 1" + all + "1001 1111", {a, a, black, white, white}, kCodecDamaged},
       {kMixed,
        8,
