@@ -62,4 +62,13 @@ inline uint32_t PackFromCmyk(float cyan, float magenta, float yellow, float blac
   return PackColor(channel(cyan), channel(magenta), channel(yellow));
 }
 
+// The same of bytes and in whole numbers, for palettes and images.
+inline uint32_t PackFromCmykBytes(int cyan, int magenta, int yellow, int black) {
+  const auto channel = [black](int ink) {
+    const int value = black == 0 ? 255 - ink : 255 - (ink * (255 - black) + 127) / 255 - black;
+    return static_cast<uint32_t>(value < 0 ? 0 : value);
+  };
+  return PackColor(channel(cyan), channel(magenta), channel(yellow));
+}
+
 }  // namespace kapdf

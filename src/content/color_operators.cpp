@@ -64,12 +64,7 @@ bool Interpreter::ScanCmykWhole(const Statement &statement, uint32_t &packed) {
   double v[4];
   if (statement.Reals(v, 4) != 4) return false;
   const auto byte = [&](int i) { return static_cast<int>(ComponentByte(static_cast<float>(v[i]))); };
-  const int black = byte(3);
-  const auto channel = [&](int i) {
-    const int value = black == 0 ? 255 - byte(i) : 255 - (byte(i) * (255 - black) + 127) / 255 - black;
-    return static_cast<uint32_t>(value < 0 ? 0 : value);
-  };
-  packed = PackColor(channel(0), channel(1), channel(2));
+  packed = PackFromCmykBytes(byte(0), byte(1), byte(2), byte(3));
   return true;
 }
 

@@ -37,15 +37,6 @@ std::optional<ExtGState> PageResources::ReadExtGState(const CPDFIndirectObject &
   return ExtGState{NumberOr0(alpha), NumberOr0(width)};
 }
 
-std::optional<ExtGState> PageResources::ReadExtGState(const CPDFIndirectObject &reference) const {
-  const auto state = FetchDictionary(objects_, reference);
-  if (!state) return std::nullopt;
-  const auto *alpha = state->GetAs<CPDFNumeric>("ca");
-  const auto *width = state->GetAs<CPDFNumeric>("LW");
-  if (!alpha && !width) return std::nullopt;
-  return ExtGState{NumberOr0(alpha), NumberOr0(width)};
-}
-
 // Only entries behind references in a direct dictionary count. An object with many names is read once.
 void PageResources::LoadExtGStates() {
   extGStatesRead_ = true;

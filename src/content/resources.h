@@ -33,7 +33,6 @@ class PageResources {
   const CPDFDictionary *Dictionary();
   void LoadExtGStates();
   // Nothing when the object is no dictionary or holds neither value.
-  std::optional<ExtGState> ReadExtGState(const CPDFIndirectObject &reference) const;
   std::optional<ExtGState> ReadExtGState(const CPDFIndirectObject &reference);
 
   ObjectLocator &objects_;

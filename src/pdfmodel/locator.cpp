@@ -19,6 +19,20 @@ std::unique_ptr<CPDFDictionary> FetchDictionary(ObjectLocator &objects, const CP
   return dictionary->Parse(firstChar) == 0 ? std::move(dictionary) : nullptr;
 }
 
+std::unique_ptr<CPDFObject> FetchAny(ObjectLocator &objects, const CPDFIndirectObject &reference) {
+  uint8_t firstChar;
+  if (!OpenObject(objects, reference.objectNumber, firstChar)) return nullptr;
+  objects.source().StartItems();
+  return ParseAny(objects.source(), firstChar, 0);
+}
+
+const CPDFObject *Follow(ObjectLocator &objects, const CPDFObject *value, std::unique_ptr<CPDFObject> &fetched) {
+  const auto *reference = dynamic_cast<const CPDFIndirectObject *>(value);
+  if (!reference) return value;
+  fetched = FetchAny(objects, *reference);
+  return fetched.get();
+}
+
 int ReadIndirectInteger(const CPDFIndirectObject &reference, ObjectLocator &objects, int32_t &value) {
   uint8_t firstChar;
   CPDFNumeric number(objects.source());

@@ -33,6 +33,12 @@ bool OpenObject(ObjectLocator &objects, int32_t objectNumber, uint8_t &firstChar
 // A dictionary of its own behind a reference, or null. The source's position afterwards is behind it.
 std::unique_ptr<CPDFDictionary> FetchDictionary(ObjectLocator &objects, const CPDFIndirectObject &reference);
 
+// Any object of its own behind a reference, or null.
+std::unique_ptr<CPDFObject> FetchAny(ObjectLocator &objects, const CPDFIndirectObject &reference);
+
+// The object itself, or what it refers to, which `fetched` then keeps. Null for a reference that leads nowhere.
+const CPDFObject *Follow(ObjectLocator &objects, const CPDFObject *value, std::unique_ptr<CPDFObject> &fetched);
+
 // 0 and `value` set, or 1. Does not seek back.
 int ReadIndirectInteger(const CPDFIndirectObject &reference, ObjectLocator &objects, int32_t &value);
 

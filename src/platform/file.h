@@ -25,6 +25,9 @@ FileHandle OpenFile(std::u16string_view path, const char *mode, Share share);
 // Creates a file that must not exist yet, for writing. Null on failure.
 FileHandle CreateNewFile(std::u16string_view path);
 
+// A file for reading and writing that nobody else sees and that is gone when it is closed. Null on failure.
+FileHandle OpenTemporaryFile();
+
 // origin: SEEK_SET, SEEK_CUR, SEEK_END. Seek gives false on failure, Tell -1.
 bool SeekFile(std::FILE *file, int64_t offset, int origin);
 int64_t TellFile(std::FILE *file);

@@ -77,6 +77,8 @@ FileHandle CreateNewFile(std::u16string_view path) {
   return file < 0 ? nullptr : Adopt(file, "w+b");
 }
 
+FileHandle OpenTemporaryFile() { return FileHandle(std::tmpfile()); }
+
 bool SeekFile(std::FILE *file, int64_t offset, int origin) { return fseeko(file, offset, origin) == 0; }
 int64_t TellFile(std::FILE *file) { return ftello(file); }
 

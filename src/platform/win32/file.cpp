@@ -51,6 +51,14 @@ FileHandle CreateNewFile(std::u16string_view path) {
   return FileHandle(stream);
 }
 
+FileHandle OpenTemporaryFile() {
+  wchar_t folder[MAX_PATH + 1], path[MAX_PATH + 1];
+  if (GetTempPathW(MAX_PATH + 1, folder) == 0 || GetTempFileNameW(folder, L"kap", 0, path) == 0) return nullptr;
+  FileHandle file(_wfopen(path, L"w+bTD"));  // T keeps it in memory where there is room, D deletes it when it is closed
+  if (!file) DeleteFileW(path);
+  return file;
+}
+
 bool SeekFile(std::FILE *file, int64_t offset, int origin) { return _fseeki64(file, offset, origin) == 0; }
 int64_t TellFile(std::FILE *file) { return _ftelli64(file); }
 
