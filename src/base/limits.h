@@ -19,6 +19,7 @@ inline constexpr int kPageTreeDepth = 256;                      // the walk ends
 inline constexpr size_t kPages = 1'000'000;                     // leaves of the page tree
 inline constexpr int kFormDepth = 500;                          // forms inside forms
 inline constexpr uint32_t kFormsPerPage = 1'000'000;            // forms entered on one page
+inline constexpr size_t kFormContent = size_t{2} << 30;          // content bytes of all forms entered on one page
 inline constexpr int kStripeDepth = 8;                          // containers of stripes
 inline constexpr size_t kDecodedStream = size_t{512} << 20;     // bytes of one decoded stream
 inline constexpr size_t kPageContent = size_t{1} << 30;         // decoded bytes of all content streams of one page

@@ -45,7 +45,7 @@ bool Interpreter::ScanCmyk(const Statement &statement, uint32_t &packed) {
 }
 
 // Too few components change nothing; those behind the ones that the kind takes and names of patterns have no effect.
-bool Interpreter::ScanByKind(const Statement &statement, ColorKind kind, uint32_t &packed) {
+bool Interpreter::ScanByKind(const Statement &statement, ColorKind kind, uint32_t &packed) const {
   switch (kind) {
     case ColorKind::kRgb:
       return ScanRgb(statement, packed);
@@ -54,9 +54,17 @@ bool Interpreter::ScanByKind(const Statement &statement, ColorKind kind, uint32_
     case ColorKind::kCmyk:
       return ScanCmyk(statement, packed);
     case ColorKind::kResource:
-      break;
+      return ScanOne(statement, packed);
   }
   return false;
+}
+
+// One component through the space in force.
+bool Interpreter::ScanOne(const Statement &statement, uint32_t &packed) const {
+  double v;
+  if (!state_.colorSpace || statement.Reals(&v, 1) != 1) return false;
+  packed = state_.colorSpace->Convert(v);
+  return true;
 }
 
 // CMYK of `sc` inside a text object: whole numbers throughout.
@@ -68,11 +76,12 @@ bool Interpreter::ScanCmykWhole(const Statement &statement, uint32_t &packed) {
   return true;
 }
 
+// A colour of a space of the resources stays a plain colour, also black and white.
 Flow Interpreter::SetStroke(ColorKind kind, const Statement &statement) {
   uint32_t packed;
   if (!ScanByKind(statement, kind, packed)) return Flow::kNext;
   state_.strokeKind = kind;
-  state_.strokeColor = CodeFromPacked(packed);
+  state_.strokeColor = kind == ColorKind::kResource ? packed | kDirectColor : CodeFromPacked(packed);
   return Flow::kNext;
 }
 
@@ -80,14 +89,23 @@ Flow Interpreter::SetFill(ColorKind kind, const Statement &statement, uint32_t w
   uint32_t packed;
   if (!ScanByKind(statement, kind, packed)) return Flow::kNext;
   state_.fillKind = kind;
-  state_.fillColor = CodeFromPacked(packed, white);
+  state_.fillColor = kind == ColorKind::kResource ? packed | kDirectColor : CodeFromPacked(packed, white);
   return Flow::kNext;
 }
 
 Flow Interpreter::StrokeRgb(const Statement &s) { return SetStroke(ColorKind::kRgb, s); }
 Flow Interpreter::StrokeGray(const Statement &s) { return SetStroke(ColorKind::kGray, s); }
 Flow Interpreter::StrokeCmyk(const Statement &s) { return SetStroke(ColorKind::kCmyk, s); }
-Flow Interpreter::StrokeColor(const Statement &s) { return SetStroke(state_.strokeKind, s); }
+
+// Grey goes through the space in force where there is one, outside text objects.
+Flow Interpreter::StrokeColor(const Statement &s) {
+  uint32_t packed;
+  if (state_.strokeKind != ColorKind::kGray || !state_.colorSpace || textMode_ || !ScanOne(s, packed))
+    return SetStroke(state_.strokeKind, s);
+  state_.strokeColor = CodeFromPacked(packed);
+  return Flow::kNext;
+}
+
 Flow Interpreter::FillRgb(const Statement &s) { return SetFill(ColorKind::kRgb, s, kWhiteCode); }
 Flow Interpreter::FillGray(const Statement &s) { return SetFill(ColorKind::kGray, s, kWhiteCode); }
 Flow Interpreter::FillCmyk(const Statement &s) { return SetFill(ColorKind::kCmyk, s, kWhiteCode); }
@@ -103,15 +121,33 @@ Flow Interpreter::FillColorInText(const Statement &s) {
   return Flow::kNext;
 }
 
-// A name that is none of the device spaces leaves the kind as it is.
+// A name that is neither a device space nor one of the resources leaves the kind as it is, and no space in force.
 void Interpreter::SelectColorSpace(const Statement &statement, ColorKind &kind) {
-  const std::string_view name = statement.Word();
-  if (name == "/DeviceGray")
+  std::string_view name = statement.Word();
+  if (name == "/DeviceGray") {
     kind = ColorKind::kGray;
-  else if (name == "/DeviceRGB")
+  } else if (name == "/DeviceRGB") {
     kind = ColorKind::kRgb;
-  else if (name == "/DeviceCMYK")
+  } else if (name == "/DeviceCMYK") {
     kind = ColorKind::kCmyk;
+  } else {
+    if (!name.empty()) name.remove_prefix(1);
+    state_.colorSpace = context_->resources.FindColorSpace(name);
+    if (!state_.colorSpace) return;
+    switch (state_.colorSpace->components()) {
+      case 1:
+        kind = ColorKind::kResource;
+        break;
+      case ColorSpace::kGrey:
+        kind = ColorKind::kGray;
+        break;
+      case 4:
+        kind = ColorKind::kCmyk;
+        break;
+      default:
+        kind = ColorKind::kRgb;
+    }
+  }
 }
 
 Flow Interpreter::StrokeColorSpace(const Statement &statement) {

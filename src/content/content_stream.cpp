@@ -19,8 +19,47 @@ void DumpContent(uint32_t index, std::span<const uint8_t> bytes) {
 
 }  // namespace
 
-CPDFContentStream::CPDFContentStream(ObjectLocator &objects, std::unique_ptr<CPDFDictionary> owner, bool diagnostics)
-    : resources(objects, owner.get()), objects_(objects), owner_(std::move(owner)), diagnostics_(diagnostics) {}
+CPDFContentStream::CPDFContentStream(ObjectLocator &objects, std::unique_ptr<CPDFDictionary> owner,
+                                     const ResourceSettings &settings, bool diagnostics)
+    : resources(objects, owner.get(), settings),
+      objects_(objects),
+      owner_(std::move(owner)),
+      diagnostics_(diagnostics),
+      statement_(std::make_shared<StatementBuffer>()) {}
+
+CPDFContentStream::CPDFContentStream(ObjectLocator &objects, std::unique_ptr<CPDFDictionary> owner, ByteBuffer content,
+                                     int32_t objectNumber, const CPDFContentStream &page)
+    : resources(objects, owner.get(), page.resources.settings()),
+      objects_(objects),
+      owner_(std::move(owner)),
+      objectNumber_(objectNumber),
+      buffer_(std::move(content)),
+      length_(buffer_.size()),
+      statement_(page.statement_) {
+  buffer_.Resize(length_ + 1);
+  buffer_.ShrinkToFit();
+  buffer_.data()[length_] = 0;
+}
+
+void CPDFContentStream::SetPosition(size_t position) {
+  position_ = std::min(position, length_);
+  lineStart_ = kNoLine;
+  noPlainBefore_ = kept_ = keptBlanks_ = 0;
+  followsBytes_ = ended_ = false;
+}
+
+bool CPDFContentStream::IsActive(int32_t objectNumber) const {
+  for (const CPDFContentStream *context = this; context; context = context->parent) {
+    if (context->objectNumber_ == objectNumber) return true;
+  }
+  return false;
+}
+
+int CPDFContentStream::Depth() const {
+  int depth = 0;
+  for (const CPDFContentStream *context = parent; context; context = context->parent) ++depth;
+  return depth;
+}
 
 double CPDFContentStream::Fraction() const {
   if (streamCount_ == 0 || nextStream_ == 0) return 0.0;
@@ -41,8 +80,6 @@ bool CPDFContentStream::FillBuffer() {
 
 bool CPDFContentStream::LoadNextStream() {
   if (parent) return false;  // a form is one stream, already loaded
-  length_ = position_ = noPlainBefore_ = 0;
-  lineStart_ = kNoLine;
   if (!contents_) contents_ = owner_ ? owner_->GetAs<CPDFArray>("Contents") : nullptr;
   if (contents_) {
     streamCount_ = contents_->Count();
@@ -72,6 +109,8 @@ bool CPDFContentStream::LoadArrayInPlace(int32_t objectNumber) {
 
 bool CPDFContentStream::ReadStreamBytes(int32_t objectNumber, uint32_t index) {
   buffer_.Clear();
+  length_ = position_ = noPlainBefore_ = 0;
+  lineStart_ = kNoLine;
   uint8_t firstChar;
   if (!OpenObject(objects_, objectNumber, firstChar)) return false;
   CPDFStream stream(objects_);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "base/byte_buffer.h"
@@ -28,9 +29,15 @@ struct PlainStatement {
 class CPDFContentStream {
  public:
   static constexpr size_t kStatementBytes = 8192;  // with the zero
+  using StatementBuffer = std::array<char, kStatementBytes>;
 
-  // `owner`: the page's dictionary; `diagnostics`: write each decoded stream to a file of its own.
-  CPDFContentStream(ObjectLocator &objects, std::unique_ptr<CPDFDictionary> owner, bool diagnostics);
+  // Of a page. `owner`: its dictionary; `diagnostics`: write each decoded stream to a file of its own.
+  CPDFContentStream(ObjectLocator &objects, std::unique_ptr<CPDFDictionary> owner, const ResourceSettings &settings,
+                    bool diagnostics);
+  // Of a form with its decoded content. `owner`: the form's dictionary; `page`: a content of the same page, with which
+  // it shares the place for statements.
+  CPDFContentStream(ObjectLocator &objects, std::unique_ptr<CPDFDictionary> owner, ByteBuffer content,
+                    int32_t objectNumber, const CPDFContentStream &page);
 
   // The next statement: usually one line, zero-terminated, valid until the next call. Null at the end of all content.
   char *ReadStatement(ScanMode mode);
@@ -48,6 +55,16 @@ class CPDFContentStream {
   int NextByte() { return position_ < length_ ? bytes()[position_++] : -1; }
   int PeekByte(size_t ahead) const { return position_ + ahead < length_ ? bytes()[position_ + ahead] : -1; }
   size_t position() const { return position_; }
+  std::span<const uint8_t> content() const { return {buffer_.data(), length_}; }
+  // Reading goes on there; nothing is kept of what was read before.
+  void SetPosition(size_t position);
+  // The end of the text read last was not used and is read again.
+  void GiveBack(size_t count) { SetPosition(position_ - (count < position_ ? count : position_)); }
+
+  ObjectLocator &objects() const { return objects_; }
+  // Of a form: whether it, or the form of one of the contexts around it, is that object; and how many are around it.
+  bool IsActive(int32_t objectNumber) const;
+  int Depth() const;
 
   // Finished part of the content, 0 to 1.
   double Fraction() const;
@@ -78,6 +95,7 @@ class CPDFContentStream {
 
   ObjectLocator &objects_;
   std::unique_ptr<CPDFDictionary> owner_;
+  int32_t objectNumber_ = -1;  // of a form
   std::unique_ptr<CPDFArray> ownContents_;  // `Contents` when it came through a reference
   const CPDFArray *contents_ = nullptr;
   ByteBuffer buffer_;  // the decoded stream and one zero
@@ -95,8 +113,8 @@ class CPDFContentStream {
   uint32_t streamCount_ = 0;
   bool loneStreamDone_ = false;
   bool ended_ = false;
-  bool diagnostics_;
-  std::array<char, kStatementBytes> statement_;
+  bool diagnostics_ = false;
+  std::shared_ptr<StatementBuffer> statement_;
 };
 
 }  // namespace kapdf

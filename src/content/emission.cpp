@@ -34,6 +34,11 @@ double Interpreter::RecordWidth() const {
   return std::isfinite(width) ? width : 0.0;
 }
 
+double Interpreter::OpacityPercent() const {
+  const double opacity = state_.alpha * context_->opacity * 100.0;
+  return std::isfinite(opacity) ? opacity : 0.0;
+}
+
 // True with the record filled. Without paths to hand out, or with none left of those that were, the loop may go on.
 bool Interpreter::EmitPending() {
   if (pendingPaths_ == 0) {
@@ -107,8 +112,7 @@ void Interpreter::FillPolygonRecord(size_t first, size_t end) {
   polygon.contourStarts = reinterpret_cast<uint32_t *>(starts);
   polygon.vertexCount = static_cast<int32_t>(values / 2);
   polygon.vertices = reinterpret_cast<double *>(points);
-  const double opacity = state_.alpha * context_->opacity * 100.0;
-  polygon.opacity = std::isfinite(opacity) ? opacity : 0.0;
+  polygon.opacity = OpacityPercent();
   size_t value = 0;
   for (size_t i = first; i < end; ++i) {
     StoreAs(starts, static_cast<uint32_t>(value / 2));

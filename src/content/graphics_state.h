@@ -10,6 +10,8 @@ namespace kapdf {
 
 enum class ColorKind { kRgb = 0, kGray = 1, kCmyk = 2, kResource = 3 };
 
+class ColorSpace;
+
 struct GraphicsState {
   Affine ctm;                  // to page coordinates, points
   double lineWidth = 1.0;      // PDF units
@@ -17,6 +19,7 @@ struct GraphicsState {
   uint32_t fillColor = 256;
   ColorKind strokeKind = ColorKind::kRgb;
   ColorKind fillKind = ColorKind::kRgb;
+  const ColorSpace *colorSpace = nullptr;  // set by the last `cs` or `CS`, for both; its context keeps it
   double alpha = 1.0;
 };
 

@@ -1,6 +1,5 @@
-// Passing over inline images. Their dictionary is read piece by piece as far as it takes to find where the data end.
+// The operator of inline images.
 #include <cstring>
-#include <string_view>
 
 #include "content/interpreter.h"
 #include "content/scanner.h"
@@ -8,80 +7,63 @@
 namespace kapdf {
 namespace {
 
-bool StartsWith(const char *text, std::string_view prefix) {
-  return std::strncmp(text, prefix.data(), prefix.size()) == 0;
-}
-
-bool IsBlankOrLineEnd(int c) { return c == ' ' || c == '\n' || c == '\r'; }
-
-void SkipWord(char *&at) {
-  if (*at) ++at;
-  while (*at && *at != ' ' && *at != '/' && *at != '[' && *at != '(' && *at != '<') ++at;
-}
-
-void SkipBlanks(char *&at) {
-  while (*at == ' ') ++at;
-}
+constexpr size_t kBeginImage = 2;  // characters
 
 }  // namespace
 
-// Pieces follow each other on one line as remainders of one another, and line by line.
-Flow Interpreter::PassInlineImage(const Statement &) {
+// What follows "BI" on its line is read once more in the way of images, where every byte counts.
+void Interpreter::RereadBehindBeginImage() {
+  const size_t rest = remainder_ ? std::strlen(remainder_) : 0;
+  remainder_ = nullptr;
+  if (rest == 0) return;
+  const auto content = context_->content();
+  size_t at = context_->position() - std::min(rest, context_->position());
+  // Bytes that a statement leaves out lie between.
+  while (at > kBeginImage && !(content[at - 2] == 'B' && content[at - 1] == 'I')) --at;
+  context_->SetPosition(at);
+}
+
+// Pieces follow each other on one line and line by line. False when the content ends first.
+bool Interpreter::ReadImageDictionary(InlineImageReader &image) {
+  char *text = nullptr, *line = nullptr;
+  size_t lineStart = 0;
   for (;;) {
-    const bool wholeStatement = remainder_ == nullptr;
-    char *text = NextText(ScanMode::kInlineImage);
-    if (!text) return Flow::kNext;
-    SkipBlanks(text);
-    const bool dataInside = wholeStatement && StartsWith(text, "ID ");
+    if (!text) {
+      size_t start = context_->position();
+      line = text = context_->ReadStatement(ScanMode::kInlineImage);
+      if (!text) return false;
+      const auto content = context_->content();
+      while (start < content.size() && content[start] != static_cast<uint8_t>(*text)) ++start;
+      lineStart = start;
+    }
+    while (*text == ' ') ++text;
     if (*text == '/') {
-      PassImageKey(text);
-    } else if (FindOperator(text, remainder_) == kOpEndImage) {
-      return Flow::kNext;
-    } else if (dataInside) {
-      remainder_ = nullptr;
-      PassImageData();
-    } else if (StartsWith(text, "ID") && !remainder_) {
-      while (IsBlankOrLineEnd(context_->PeekByte(0))) context_->NextByte();
-      PassImageData();
+      text = image.TakeKey(text);
+    } else if (text[0] == 'I' && text[1] == 'D' && (text[2] == ' ' || text[2] == 0)) {
+      image.TakeData(lineStart + static_cast<size_t>(text - line) + 2);
+      text = nullptr;
+    } else {
+      char *rest = nullptr;
+      if (FindOperator(text, rest) == kOpEndImage) {
+        remainder_ = rest;
+        return true;
+      }
+      text = rest;
     }
   }
 }
 
-// What follows the value is the next piece. An array that goes on behind the line is read to its end.
-void Interpreter::PassImageKey(char *text) {
-  char *at = text;
-  SkipWord(at);
-  SkipBlanks(at);
-  if (*at == '[') {
-    char *close = std::strchr(at, ']');
-    if (!close) {
-      for (int c = 0; c >= 0 && c != ']';) c = context_->NextByte();
-      return;
-    }
-    at = close + 1;
-  } else if (*at == '(') {
-    SkipLiteralString(at);
-  } else if (*at == '<') {
-    if (at[1] == '<')
-      SkipDictionary(at);
-    else
-      SkipHexString(at);
-  } else {
-    SkipWord(at);
-  }
-  SkipBlanks(at);
-  if (*at) remainder_ = at;
-}
-
-// Up to the blank or line end that "EI" follows. A backslash and the line end behind it are not looked at.
-void Interpreter::PassImageData() {
-  for (;;) {
-    const int c = context_->PeekByte(0);
-    if (c < 0) return;
-    if (IsBlankOrLineEnd(c) && context_->PeekByte(1) == 'E' && context_->PeekByte(2) == 'I') return;
-    context_->NextByte();
-    if (c == '\\' && (context_->PeekByte(0) == '\n' || context_->PeekByte(0) == '\r')) context_->NextByte();
-  }
+Flow Interpreter::InlineImage(const Statement &) {
+  inlineWaiting_ = false;
+  RereadBehindBeginImage();
+  InlineImageReader image(*context_);
+  if (!ReadImageDictionary(image)) return Flow::kNext;
+  auto finished = image.Finish(state_.ctm);
+  if (!finished) return Flow::kNext;
+  inlineRaster_ = std::move(finished);
+  inlineWaiting_ = true;
+  StartRaster(inlineRaster_->placement, "InlineImage" + std::to_string(inlineCount_++), state_.fillColor);
+  return Flow::kRecord;
 }
 
 }  // namespace kapdf

@@ -93,6 +93,10 @@ Flow Interpreter::RunStatements() {
   while (!ended) {
     const Flow flow = RunOne(ended);
     if (flow != Flow::kNext) return flow;
+    if (ended && LeaveForm()) {
+      ended = false;
+      compound_ = alsoStroke_ = false;
+    }
   }
   ended_ = true;
   return Flow::kNext;

@@ -7,7 +7,9 @@
 
 #include "base/limits.h"
 #include "content/content_stream.h"
+#include "content/form_object.h"
 #include "content/graphics_state.h"
+#include "content/inline_raster.h"
 #include "content/operators.h"
 #include "content/path.h"
 #include "content/record_blocks.h"
@@ -24,6 +26,7 @@ struct PageToRead {
 };
 
 struct InterpreterSettings {
+  uint32_t imageFrame = 1;      // handed to the host with every raster
   bool clipping = true;         // points outside the page's box are dropped
   bool convertPoly = true;      // smooth polylines may become circles, arcs and ellipses
   double fitTolerance = 0.002;  // of that recognition
@@ -41,8 +44,18 @@ class Interpreter {
   // Fills the record with the next element. 0, or 0xFFFF0004 at the end of the page, then and on every later call.
   uint32_t InterpretNext(ElementRecord &record);
 
-  // Finished part of the page, 0 to 1.
-  double Fraction() const { return page_->Fraction(); }
+  // Gets the raster of a name ready for its rows: one of the resources at hand or around them, or, for an empty name,
+  // the one drawn last. An inline image that waits comes first, whatever the name is. False when there is none or it
+  // cannot be read; else the description is filled and `name` is its own one where it was empty.
+  bool PrepareRaster(std::string &name, ImageDescription &description);
+  // The next row of the raster that was prepared last: 0, 16 after its last row, 2 without one. The row stays valid until
+  // the next one is asked for; `bytes` are a run list's own, or the whole row buffer's.
+  uint32_t ReadRasterRow(uint8_t *&row, size_t &bytes);
+  // Counts a raster that no record has announced.
+  void CountRaster() { ++rasterSequence_; }
+
+  // Finished part of the page, or of the raster in delivery, 0 to 1.
+  double Fraction() const;
 
   // ---- handlers of operators, named in the operator table ----
   Flow PushState(const Statement &);
@@ -84,7 +97,8 @@ class Interpreter {
   Flow DiscardPath(const Statement &);
   Flow BeginText(const Statement &);
   Flow EndText(const Statement &);
-  Flow PassInlineImage(const Statement &);
+  Flow InlineImage(const Statement &);
+  Flow PaintXObject(const Statement &);
 
  private:
   enum class Pass { kStroke, kFill };
@@ -123,16 +137,26 @@ class Interpreter {
   static bool ScanRgb(const Statement &statement, uint32_t &packed);
   static bool ScanGray(const Statement &statement, uint32_t &packed);
   static bool ScanCmyk(const Statement &statement, uint32_t &packed);
-  static bool ScanByKind(const Statement &statement, ColorKind kind, uint32_t &packed);
+  bool ScanByKind(const Statement &statement, ColorKind kind, uint32_t &packed) const;
+  bool ScanOne(const Statement &statement, uint32_t &packed) const;
   static bool ScanCmykWhole(const Statement &statement, uint32_t &packed);
   Flow SetStroke(ColorKind kind, const Statement &statement);
   Flow SetFill(ColorKind kind, const Statement &statement, uint32_t white);
-  static void SelectColorSpace(const Statement &statement, ColorKind &kind);
+  void SelectColorSpace(const Statement &statement, ColorKind &kind);
   const ExtGState *FindState(const Statement &statement);
 
+  // XObjects.
+  Flow EnterForm(CPDFFormObject &form);
+  bool LeaveForm();
+  Flow DrawRaster(CPDFRasterObject &raster, std::string_view name, bool fromRoot);
+  Flow DrawStripe(CPDFRasterObject &container, std::string_view name);
+  Flow DrawSolid(const CPDFRasterObject &raster);
+  void StartRaster(const Placement &placement, std::string_view name, uint32_t color);
+  double OpacityPercent() const;
+
   // Inline images.
-  void PassImageKey(char *text);
-  void PassImageData();
+  void RereadBehindBeginImage();
+  bool ReadImageDictionary(InlineImageReader &image);
 
   std::unique_ptr<CPDFContentStream> page_;
   CPDFContentStream *context_;
@@ -156,6 +180,21 @@ class Interpreter {
   bool alsoStroke_ = false;
   bool contoursChecked_ = false;
   bool closeContours_ = false;  // paths go out closed: they were the contours of one polygon before
+
+  // The raster in delivery.
+  CPDFRasterObject *announced_ = nullptr;  // drawn by the last `Do`
+  CPDFRasterObject *raster_ = nullptr;     // prepared
+  std::unique_ptr<InlineRaster> inlineRaster_;
+  bool inlineWaiting_ = false;
+  uint32_t inlineCount_ = 0;
+  std::vector<uint32_t> row_;
+  RasterKind rowKind_ = RasterKind::kInvalid;
+  uint32_t rowsDelivered_ = 0;
+  uint32_t rasterHeight_ = 0;
+  uint32_t rasterSequence_ = 0;
+
+  uint32_t formsEntered_ = 0;
+  size_t formContent_ = 0;  // bytes of those
 
   ElementRecord *record_ = nullptr;  // of the call under way
   RecordBlocks blocks_;

@@ -36,6 +36,7 @@ struct RecordBlocks {
   LinePayload line;
   GrowingBlock polyline;
   GrowingBlock polygon;
+  RasterPlacementPayload raster;
   LayerDefPayload layer;
   std::u16string layerName;
   LineTypeDefPayload lineType;

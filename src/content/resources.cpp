@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/scan.h"
+#include "content/form_object.h"
 
 namespace kapdf {
 namespace {
@@ -57,6 +58,95 @@ const ExtGState *PageResources::FindExtGState(std::string_view name) {
   if (!extGStatesRead_) LoadExtGStates();
   const auto found = extGStates_.find(std::string(name));
   return found == extGStates_.end() ? nullptr : &found->second;
+}
+
+// In a direct dictionary or one behind a reference. A space that is not known is left out.
+void PageResources::LoadColorSpaces() {
+  colorSpacesRead_ = true;
+  const CPDFDictionary *all = Dictionary();
+  std::unique_ptr<CPDFObject> fetched;
+  const auto *table =
+      all ? dynamic_cast<const CPDFDictionary *>(Follow(objects_, all->Get("ColorSpace"), fetched)) : nullptr;
+  if (!table) return;
+  for (const CPDFDictionary::Entry *entry : table->Sorted()) {
+    ColorSpace space(objects_);
+    if (space.Load(entry->value.get())) colorSpaces_.emplace(entry->name, std::move(space));
+  }
+}
+
+const ColorSpace *PageResources::FindColorSpace(std::string_view name) {
+  if (!colorSpacesRead_) LoadColorSpaces();
+  const auto found = colorSpaces_.find(std::string(name));
+  return found == colorSpaces_.end() ? nullptr : &found->second;
+}
+
+// Of a direct dictionary the entries behind references count. One behind a reference counts as a container of images.
+void PageResources::LoadXObjects() {
+  xObjectsRead_ = true;
+  const CPDFDictionary *all = Dictionary();
+  if (!all) return;
+  if (const auto *reference = all->GetAs<CPDFIndirectObject>("XObject")) return LoadXObjectsBehind(*reference);
+  const auto *table = all->GetAs<CPDFDictionary>("XObject");
+  if (!table) return;
+  for (const CPDFDictionary::Entry *entry : table->Sorted()) {
+    const auto *item = dynamic_cast<const CPDFIndirectObject *>(entry->value.get());
+    if (item) xObjects_.try_emplace(entry->name, XObjectEntry{item->objectNumber, false, nullptr});
+  }
+}
+
+// Stripes of equal width show as one image where that is wanted; else each is an image of its own.
+void PageResources::LoadXObjectsBehind(const CPDFIndirectObject &reference) {
+  auto container = std::make_unique<CPDFRasterObject>(objects_, settings_.raster);
+  if (!container->Load(reference.objectNumber)) return;
+  auto &stripes = container->stripes();
+  bool one = stripes.size() < 2;
+  if (!one && settings_.combineStripes) {
+    one = true;
+    for (const auto &stripe : stripes) one = one && stripe->width() == stripes.front()->width();
+  }
+  if (one) {
+    container_ = std::move(container);
+    container_->Prepare();  // a lone image has no name but the one that it gives itself
+    return;
+  }
+  for (auto &stripe : stripes) {
+    const std::string key = stripe->name;
+    xObjects_.try_emplace(key, XObjectEntry{0, true, std::move(stripe)});
+  }
+}
+
+// What cannot be read as an image is taken for a form.
+CPDFXObject *PageResources::Resolve(XObjectEntry &entry, const std::string &name) {
+  if (entry.tried) return entry.object.get();
+  entry.tried = true;
+  auto raster = std::make_unique<CPDFRasterObject>(objects_, settings_.raster);
+  if (raster->Load(entry.objectNumber))
+    entry.object = std::move(raster);
+  else
+    entry.object = std::make_unique<CPDFFormObject>(objects_, entry.objectNumber);
+  entry.object->name = name;
+  return entry.object.get();
+}
+
+CPDFXObject *PageResources::FindXObject(std::string_view name) {
+  if (!xObjectsRead_) LoadXObjects();
+  if (container_) {
+    if (container_->givenName() == name) return container_.get();
+    for (const auto &stripe : container_->stripes()) {
+      if (stripe->name == name) return container_.get();
+    }
+  }
+  const auto found = xObjects_.find(std::string(name));
+  return found == xObjects_.end() ? nullptr : Resolve(found->second, found->first);
+}
+
+uint32_t PageResources::RasterCount() {
+  if (rasterCount_) return *rasterCount_;
+  if (!xObjectsRead_) LoadXObjects();
+  uint32_t count = container_ ? 1 : 0;
+  for (auto &[name, entry] : xObjects_) count += dynamic_cast<CPDFRasterObject *>(Resolve(entry, name)) ? 1 : 0;
+  rasterCount_ = count;
+  return count;
 }
 
 std::pair<const LineStyles::Entry *, bool> LineStyles::Find(std::string_view pattern) {

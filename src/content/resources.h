@@ -10,6 +10,8 @@
 
 #include "kapdf/kapdf.h"
 #include "pdfmodel/locator.h"
+#include "raster/color_space.h"
+#include "raster/raster_object.h"
 
 namespace kapdf {
 
@@ -19,29 +21,60 @@ struct ExtGState {
   double lineWidth = 0;  // `LW`, PDF units
 };
 
-// The resources of one page or form. Each table is read when something in it is first asked for.
+struct ResourceSettings {
+  bool combineStripes = false;  // images that share a container and a width are one image
+  RasterSettings raster;
+};
+
+// The resources of one page or form. Each table is read when something in it is first asked for, and each XObject when
+// it is. Lookups give null when this holder has none of that name; the first of equal names counts. What they give
+// stays where it is as long as the holder lives.
 class PageResources {
  public:
   // `owner`: the page or stream dictionary whose `Resources` counts, or null; it must outlive the object. Resources of
   // the tree above a page are not looked at.
-  PageResources(ObjectLocator &objects, const CPDFDictionary *owner) : objects_(objects), owner_(owner) {}
+  PageResources(ObjectLocator &objects, const CPDFDictionary *owner, const ResourceSettings &settings)
+      : objects_(objects), owner_(owner), settings_(settings) {}
 
-  // Null when this holder has none of that name. The first of equal names counts.
   const ExtGState *FindExtGState(std::string_view name);
+  const ColorSpace *FindColorSpace(std::string_view name);
+  // An image, a form, or the container of the stripe of that name. A form is not loaded.
+  CPDFXObject *FindXObject(std::string_view name);
+  // Images among the XObjects, counted once; for that all of them are read.
+  uint32_t RasterCount();
+
+  const ResourceSettings &settings() const { return settings_; }
 
  private:
+  struct XObjectEntry {
+    int32_t objectNumber = 0;
+    bool tried = false;
+    std::unique_ptr<CPDFXObject> object;
+  };
+
   const CPDFDictionary *Dictionary();
+  void LoadColorSpaces();
+  void LoadXObjects();
+  void LoadXObjectsBehind(const CPDFIndirectObject &reference);
+  CPDFXObject *Resolve(XObjectEntry &entry, const std::string &name);
   void LoadExtGStates();
   // Nothing when the object is no dictionary or holds neither value.
   std::optional<ExtGState> ReadExtGState(const CPDFIndirectObject &reference);
 
   ObjectLocator &objects_;
   const CPDFDictionary *owner_;
+  ResourceSettings settings_;
   std::unique_ptr<CPDFDictionary> ownDictionary_;  // `Resources` when it came through a reference
   const CPDFDictionary *dictionary_ = nullptr;
   bool dictionaryRead_ = false;
   bool extGStatesRead_ = false;
   std::unordered_map<std::string, ExtGState> extGStates_;
+  bool colorSpacesRead_ = false;
+  std::unordered_map<std::string, ColorSpace> colorSpaces_;
+  bool xObjectsRead_ = false;
+  std::unordered_map<std::string, XObjectEntry> xObjects_;
+  std::unique_ptr<CPDFRasterObject> container_;  // an XObject table that is one image, or images that show as one
+  std::optional<uint32_t> rasterCount_;
 };
 
 // The dash patterns of one content, named in the order in which they came.

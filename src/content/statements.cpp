@@ -34,7 +34,7 @@ bool IsParametersKey(const char *text, size_t count) {
 // What the byte at hand may do to a statement, in the modes where that matters, is decided here; the plain copying of
 // bytes stays in the loop.
 bool CPDFContentStream::ScanStatement(ScanMode mode, size_t first, size_t most, size_t &count) {
-  char *text = statement_.data();
+  char *text = statement_->data();
   const uint8_t *data = bytes();
   const bool graphics = mode == ScanMode::kGraphics;
   bool imageData = false, parameters = false;
@@ -99,7 +99,7 @@ char *CPDFContentStream::ReadStatement(ScanMode mode) {
       if (!FillBuffer()) break;
       if (!goesOn || joined > 0) SkipWhiteSpace();
       saved = count;
-      if (saved > 0 && saved < most) statement_[count++] = ' ';
+      if (saved > 0 && saved < most) (*statement_)[count++] = ' ';
       if (joined > 0) followsBytes_ = false;
     }
     const bool whole = ScanStatement(mode, saved > 0 ? count : 0, most, count);
@@ -122,8 +122,8 @@ char *CPDFContentStream::ReadStatement(ScanMode mode) {
 }
 
 char *CPDFContentStream::EndStatement(size_t count, bool withoutFirst) {
-  statement_[count] = 0;
-  return statement_.data() + (withoutFirst && count > 0 ? 1 : 0);
+  (*statement_)[count] = 0;
+  return statement_->data() + (withoutFirst && count > 0 ? 1 : 0);
 }
 
 void CPDFContentStream::SkipWhiteSpace() {
@@ -136,7 +136,7 @@ void CPDFContentStream::SkipWhiteSpace() {
 // A statement that fills the buffer ends behind the last operator in it; the rest is read again as the next one. False
 // without an operator.
 bool CPDFContentStream::CutAtLastOperator(size_t most, size_t &count) {
-  char *text = statement_.data();
+  char *text = statement_->data();
   text[count] = 0;
   for (size_t index = most; index-- > 0;) {
     if (!StartsWithOperator(text + index)) continue;
@@ -161,9 +161,9 @@ void CPDFContentStream::RejoinLine(const char *statement, size_t length, ScanMod
   if (!followsBytes_ || mode != mode_ || *first == 0 || *first == '\t' || *first == 'q' || *first == 'Q')
     return MoveBack(length);
   kept_ = static_cast<size_t>(statement + length - first);
-  if (first != statement_.data()) std::memmove(statement_.data(), first, kept_);
+  if (first != statement_->data()) std::memmove(statement_->data(), first, kept_);
   keptBlanks_ = std::min(end - position_, kMost - kept_);
-  std::memset(statement_.data() + kept_, ' ', keptBlanks_);
+  std::memset(statement_->data() + kept_, ' ', keptBlanks_);
   position_ += keptBlanks_;
   noPlainBefore_ = position_ + 1;
 }

@@ -77,6 +77,9 @@ uint32_t CPDFFilter::Close() {
 }
 
 void CPDFFilter::DropDocument() {
+  rasterHeader_.reset();
+  rasterPalette_.reset();
+  rasterAnnounced_ = false;
   interpreter_.reset();
   document_.reset();
 }

@@ -69,6 +69,8 @@ class CPDFFilter final : public CZVFilter {
   void ReadSettings();
   uint32_t OpenDocument(const char16_t *path, FileInfo &info);
   uint32_t OpenPage(const FileInfo &info);
+  uint32_t ReadRasterHeader(ElementRecord &record);
+  uint32_t ReadRasterRow(ElementRecord &record);
   void DropDocument();
   platform::FileHandle OpenOutput(std::u16string_view path, FileInfo &info) const;
   uint32_t StartWriter(const char16_t *path, FileInfo &info);
@@ -85,6 +87,9 @@ class CPDFFilter final : public CZVFilter {
   platform::FileHandle stream_;
   std::unique_ptr<CPDFFile> document_;
   std::unique_ptr<Interpreter> interpreter_;
+  std::unique_ptr<RasterHeaderPayload> rasterHeader_;  // of the raster in hand, as the host got it
+  PaletteHandle rasterPalette_;
+  bool rasterAnnounced_ = false;  // a raster's place has gone out since the document was opened
   std::unique_ptr<CPDFWriteFile> writer_;
 };
 

@@ -2,6 +2,7 @@
 #include "content/page_setup.h"
 #include "filter/filter.h"
 #include "platform/settings.h"
+#include "platform/text.h"
 
 namespace kapdf {
 namespace {
@@ -38,6 +39,7 @@ uint32_t CPDFFilter::OpenPage(const FileInfo &info) {
   auto page = SetupPage(*document_, position);
   if (!page) return FilterDamaged;
   const platform::Settings settings(registryPath_, u"\\PDF");
+  interpreterSettings_.imageFrame = static_cast<uint32_t>(settings.ReadInteger(u"ImageFrame", 1));
   interpreterSettings_.clipping = settings.ReadInteger(u"Clipping", 1) != 0;
   interpreter_ = std::make_unique<Interpreter>(std::move(*page), interpreterSettings_);
   return FilterOk;
@@ -64,14 +66,57 @@ uint32_t CPDFFilter::OpenRead(const char16_t *path, FileInfo *info, ProgressObje
 
 uint32_t CPDFFilter::ReadElement(ElementRecord *record) {
   if (!interpreter_) return FilterNotOpen;
-  if (record->kind == ElemRasterHeader || record->kind == ElemRasterRows) return FilterNotAvailable;
   uint32_t result = FilterEndOfElements;
   try {
+    if (record->kind == ElemRasterHeader) return ReadRasterHeader(*record);
+    if (record->kind == ElemRasterRows) return ReadRasterRow(*record);
     result = interpreter_->InterpretNext(*record);
-  } catch (...) {  // memory is out: the page ends here
-    return FilterEndOfElements;
+  } catch (...) {  // memory is out: the page, or the raster, ends here
+    const bool raster = record->kind == ElemRasterHeader || record->kind == ElemRasterRows;
+    return raster ? FilterNotAvailable : FilterEndOfElements;
   }
+  if (result == FilterOk && record->kind == ElemRasterPlacement) rasterAnnounced_ = true;
   return AsksToStop(record->progress, interpreter_->Fraction()) ? FilterCancelled : result;
+}
+
+uint32_t CPDFFilter::ReadRasterHeader(ElementRecord &record) {
+  rasterHeader_.reset();
+  rasterPalette_.reset();
+  if (!rasterAnnounced_) interpreter_->CountRaster();
+  record.styleName[255] = 0;
+  const bool named = record.styleName[0] != 0;
+  std::string name = platform::ToNarrow(record.styleName, platform::kSystemCodePage);
+  ImageDescription image;
+  if (!interpreter_->PrepareRaster(name, image)) return FilterNotAvailable;
+  if (!named) CopyName(record.styleName, platform::ToWide(name, platform::kSystemCodePage));
+  rasterPalette_ = std::move(image.palette);
+  rasterHeader_ = std::make_unique<RasterHeaderPayload>();
+  rasterHeader_->width = image.width;
+  rasterHeader_->height = image.height;
+  rasterHeader_->dpi = image.dpi;
+  rasterHeader_->depthHint = image.invert ? 1 : 0;
+  rasterHeader_->pixelType = static_cast<uint32_t>(image.kind);
+  rasterHeader_->palette = rasterPalette_.get();
+  if (image.dpi == 0) {
+    const platform::Settings settings(registryPath_, u"\\Filter");
+    rasterHeader_->dpi = static_cast<uint32_t>(settings.ReadInteger(u"DefaultResolution", 300));
+  }
+  record.payload = rasterHeader_.get();
+  record.payloadBytes = sizeof(RasterHeaderPayload);
+  return FilterOk;
+}
+
+// The sink is asked by the height of the raster and not by the row: after every row, or never.
+uint32_t CPDFFilter::ReadRasterRow(ElementRecord &record) {
+  uint8_t *row = nullptr;
+  size_t bytes = 0;
+  const uint32_t result = interpreter_->ReadRasterRow(row, bytes);
+  if (result == FilterOk) {
+    record.payload = row;
+    record.payloadBytes = static_cast<uint32_t>(bytes);
+  }
+  if (!record.progress || !rasterHeader_ || rasterHeader_->height % 100 != 0) return result;
+  return AsksToStop(record.progress, interpreter_->Fraction()) ? FilterCancelled : result;
 }
 
 }  // namespace kapdf

@@ -77,7 +77,7 @@ bool ColorSpace::LoadArray(const CPDFArray &array) {
     SetDevice(device);
   else if (family == "ICCBased")
     LoadIccBased(array.GetAt(1));
-  else if (family == "Indexed")
+  else if (family == "Indexed" || family == "I")
     LoadIndexed(array);
   else if (family == "Separation")
     LoadSeparation(array);

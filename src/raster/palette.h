@@ -35,6 +35,12 @@ PaletteHandle GreyRamp(bool inverted = false);
 // The system's 20 stock colours, a cube of 6 by 6 by 6, and 20 greys.
 PaletteHandle DefaultPalette();
 
+// Whether the first colour is brighter than the second one.
+inline bool FirstIsBrighter(const Palette &palette) {
+  const auto brightness = [](const Palette::Entry &e) { return e.red * e.red + e.green * e.green + e.blue * e.blue; };
+  return brightness(palette.entries[0]) > brightness(palette.entries[1]);
+}
+
 inline PaletteHandle Copy(const PaletteHandle &palette) {
   return palette ? std::make_unique<Palette>(*palette) : nullptr;
 }

@@ -69,6 +69,8 @@ class CPDFRasterObject final : public CPDFXObject {
   // Back to the first row; memory that only reading needs is given back.
   void Rewind();
 
+  // The name that the image gives itself, empty for none; known once it is prepared.
+  const std::string &givenName() const { return givenName_; }
   bool isMask() const { return imageMask_; }
   bool isContainer() const { return !dictionary_ && !stripes_.empty(); }
   std::vector<std::unique_ptr<CPDFRasterObject>> &stripes() { return stripes_; }
@@ -115,6 +117,7 @@ class CPDFRasterObject final : public CPDFXObject {
   SampleShape Shape() const;
 
   RasterSettings settings_;
+  std::string givenName_;
   std::unique_ptr<CPDFDictionary> dictionary_;
   std::vector<std::unique_ptr<CPDFRasterObject>> stripes_;
   std::unique_ptr<CPDFRasterObject> mask_;      // the explicit mask, or a soft mask of 1 bit

@@ -12,8 +12,6 @@ namespace {
 
 constexpr uint32_t kSolidWidth = 500, kSolidHeight = 25;  // pixels; larger ones are never tested
 
-int Brightness(const Palette::Entry &e) { return e.red * e.red + e.green * e.green + e.blue * e.blue; }
-
 bool InBounds(uint32_t side) { return side >= 1 && side <= limits::kImageSide; }
 
 // At most two different colours.
@@ -57,7 +55,7 @@ bool CPDFRasterObject::PrepareContainer() {
 }
 
 bool CPDFRasterObject::PrepareImage() {
-  if (const auto *own = dictionary_->GetAs<CPDFNameObject>("Name")) name = own->name;
+  if (const auto *own = dictionary_->GetAs<CPDFNameObject>("Name")) givenName_ = own->name;
   if (!ReadSize() || !ReadColorSpace()) return false;
   codedKind_ = KindOf(bitsPerComponent_ * components_);
   ReadDecode();
@@ -107,7 +105,7 @@ bool CPDFRasterObject::ReadColorSpace() {
     invert_ = !invert_;
   } else if (space.components() == ColorSpace::kTwoColors) {
     components_ = 1;
-    if (palette_ && Brightness(palette_->entries[0]) > Brightness(palette_->entries[1])) invert_ = !invert_;
+    if (palette_ && FirstIsBrighter(*palette_)) invert_ = !invert_;
   }
   return true;
 }

@@ -1,0 +1,354 @@
+#include "content/inline_raster.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "base/limits.h"
+#include "base/scan.h"
+#include "content/scanner.h"
+#include "io/codec_ascii.h"
+#include "io/codec_ccitt.h"
+#include "io/codec_dct.h"
+#include "io/codec_flate.h"
+#include "io/codec_lzw.h"
+#include "io/codec_packbits.h"
+
+namespace kapdf {
+namespace {
+
+bool StartsWith(const char *text, std::string_view prefix) {
+  return std::strncmp(text, prefix.data(), prefix.size()) == 0;
+}
+
+bool IsBlankOrLineEnd(int c) { return c == ' ' || c == '\n' || c == '\r'; }
+
+void SkipWord(char *&at) {
+  if (*at) ++at;
+  while (*at && *at != ' ' && *at != '/' && *at != '[' && *at != '(' && *at != '<') ++at;
+}
+
+void SkipBlanks(char *&at) {
+  while (*at == ' ') ++at;
+}
+
+// The whole number behind a key, wherever in the text that is.
+void Scan(const char *text, const char *key, int32_t &value) {
+  const char *at = std::strstr(text, key);
+  if (!at) return;
+  at += std::strlen(key);
+  ScanAnyInteger(at, value);
+}
+
+}  // namespace
+
+char *InlineImageReader::TakeKey(char *text) {
+  char *at = text;
+  SkipWord(at);
+  SkipBlanks(at);
+  char *value = at;
+  const char *number = value;
+  const auto is = [&](std::string_view prefix) { return StartsWith(text, prefix); };
+  bool decode = false;
+  if (is("/CS") || is("/ColorSpace")) {
+    if (*value == '[' && TakeColorSpaceArray(value)) return nullptr;
+    char *end = value;
+    SkipWord(end);
+    TakeColorSpace(text, {value, static_cast<size_t>(end - value)});
+  } else if (is("/W")) {
+    ScanAnyInteger(number, width_);
+  } else if (is("/H")) {
+    ScanAnyInteger(number, height_);
+  } else if (is("/BPC") || is("/BitsPerComponent")) {
+    ScanAnyInteger(number, bitsPerComponent_);
+  } else if (is("/DP") || is("/DecodeParms")) {
+    TakeParameters(text);
+  } else if (is("/D")) {
+    decode = true;
+  } else if (is("/F")) {
+    TakeFilters(text);
+  }
+  if (*at == '[') {
+    char *close = std::strchr(at, ']');
+    if (!close) {  // goes on behind the line
+      std::string whole(at);
+      for (int c = 0; c >= 0 && c != ']' && whole.size() < CPDFContentStream::kStatementBytes;) {
+        c = context_.NextByte();
+        whole += c == '\n' || c == '\r' || c < 0 ? ' ' : static_cast<char>(c);
+      }
+      if (decode) TakeDecode(whole.data());
+      return nullptr;
+    }
+    at = close + 1;
+  } else if (*at == '(') {
+    SkipLiteralString(at);
+  } else if (*at == '<') {
+    if (at[1] == '<')
+      SkipDictionary(at);
+    else
+      SkipHexString(at);
+  } else {
+    SkipWord(at);
+  }
+  if (decode) TakeDecode(value);
+  SkipBlanks(at);
+  return *at ? at : nullptr;
+}
+
+void InlineImageReader::TakeFilters(const char *text) {
+  static constexpr struct {
+    const char *name, *abbreviation;
+    Filter bit;
+  } kNames[] = {{"/ASCIIHexDecode", "/AHx", kAsciiHex}, {"/ASCII85Decode", "/A85", kAscii85},
+                {"/LZWDecode", "/LZW", kLzw},           {"/FlateDecode", "/Fl", kFlate},
+                {"/RunLengthDecode", "/RL", kRunLength}, {"/CCITTFaxDecode", "/CCF", kCcitt},
+                {"/DCTDecode", "/DCT", kDct}};
+  for (const auto &known : kNames) {
+    if (std::strstr(text, known.name) || std::strstr(text, known.abbreviation)) filters_ |= known.bit;
+  }
+}
+
+// Which parameters are read is decided by the filters, which must have come before.
+void InlineImageReader::TakeParameters(const char *text) {
+  if (filters_ & (kLzw | kFlate)) {
+    Scan(text, "/Predictor", predictor_);
+    Scan(text, "/Colors", colors_);
+    Scan(text, "/BitsPerComponent", predictorBits_);
+    Scan(text, "/Columns", columns_);
+    Scan(text, "/EarlyChange", earlyChange_);
+  } else if (filters_ & kCcitt) {
+    Scan(text, "/K", k_);
+    Scan(text, "/EncodeByteAlign", encodeByteAlign_);
+    Scan(text, "/Columns", columns_);
+    int32_t black = blackIs1_ ? 1 : 0;
+    Scan(text, "/BlackIs1", black);
+    if (std::strstr(text, "/BlackIs1 true")) black = 1;
+    blackIs1_ = black != 0;
+  }
+}
+
+void InlineImageReader::TakeDecode(char *value) {
+  const char *at = value;
+  while (*at == '[' || *at == ' ') ++at;
+  double first, second;
+  if (ScanReal(at, first) && ScanReal(at, second) && first > 0.5 && second < 0.5) blackIs1_ = true;
+}
+
+// Looked for in the whole text, in this order.
+void InlineImageReader::TakeColorSpace(const char *text, std::string_view name) {
+  const auto has = [&](const char *word, const char *longWord) {
+    return std::strstr(text, word) || std::strstr(text, longWord);
+  };
+  components_ = 1;
+  if (has("/RGB", "/DeviceRGB")) {
+    color_ = Color::kRgb;
+    components_ = 3;
+  } else if (has("/G", "/DeviceGray")) {
+    color_ = Color::kGrey;
+  } else if (has("/I", "/Indexed")) {
+    color_ = Color::kIndexed;
+    palette_ = DefaultPalette();
+  } else if (has("/CMYK", "/DeviceCMYK")) {
+    color_ = Color::kCmyk;
+    components_ = 4;
+  } else if (!name.empty()) {
+    if (const ColorSpace *space = context_.resources.FindColorSpace(name.substr(1))) UseColorSpace(*space);
+  }
+}
+
+void InlineImageReader::UseColorSpace(const ColorSpace &space) {
+  components_ = 1;
+  switch (space.components()) {
+    case ColorSpace::kTwoColors:
+    case 1:
+    case ColorSpace::kGrey:
+      color_ = Color::kIndexed;
+      palette_ = Copy(space.palette());
+      break;
+    case 3:
+      color_ = Color::kRgb;
+      components_ = 3;
+      break;
+    case 4:
+      color_ = Color::kCmyk;
+      components_ = 4;
+      break;
+    default:
+      break;
+  }
+}
+
+// Parsed where it stands in the content, since strings in it may hold any byte. False leaves everything as it was.
+bool InlineImageReader::TakeColorSpaceArray(const char *value) {
+  const auto content = context_.content();
+  const size_t length = std::strlen(value);
+  if (length > context_.position()) return false;
+  const size_t start = context_.position() - length;
+  if (content[start] != '[') return false;
+  MemorySource source(content.subspan(start));
+  CPDFArray array(source);
+  ColorSpace space(context_.objects());
+  if (array.Parse(255) != 0 || !space.Load(&array)) return false;
+  color_ = Color::kIndexed;
+  components_ = 1;
+  palette_ = Copy(space.palette());
+  context_.SetPosition(start + static_cast<size_t>(source.Tell()) - (source.AtEnd() ? 0 : 1));
+  return true;
+}
+
+size_t InlineImageReader::RowBytes() const {
+  const uint64_t bits = color_ == Color::kNone ? 1 : static_cast<uint64_t>(std::max(bitsPerComponent_, 1)) * components_;
+  return static_cast<size_t>((static_cast<uint64_t>(std::max(width_, 0)) * bits + 7) / 8);
+}
+
+// The white space that "EI" follows. Where there is none up to the end of the content, unfiltered data end by their
+// size, if "EI" stands there.
+size_t InlineImageReader::DataEnd(size_t from, bool escaped) const {
+  const auto content = context_.content();
+  for (size_t at = from; at + 2 < content.size(); ++at) {
+    if (IsBlankOrLineEnd(content[at])) {
+      if (content[at + 1] == 'E' && content[at + 2] == 'I') return at;
+    } else if (escaped && content[at] == '\\' && (content[at + 1] == '\n' || content[at + 1] == '\r')) {
+      ++at;
+    }
+  }
+  const uint64_t size = static_cast<uint64_t>(RowBytes()) * static_cast<uint64_t>(std::max(height_, 0));
+  if (filters_ == 0 && size + 2 <= content.size() - from && content[from + size] == 'E' &&
+      content[from + size + 1] == 'I') {
+    return from + static_cast<size_t>(size);
+  }
+  return content.size();
+}
+
+// One blank behind "ID" is passed over and what follows are data. A line end is passed over with all white space behind
+// it, and in the data each backslash together with a line end behind it.
+void InlineImageReader::TakeData(size_t position) {
+  const auto content = context_.content();
+  const bool behindBlank = position < content.size() && content[position] == ' ';
+  if (behindBlank) ++position;
+  while (!behindBlank && position < content.size() && IsBlankOrLineEnd(content[position])) ++position;
+  position = std::min(position, content.size());
+  const size_t end = DataEnd(position, !behindBlank);
+  data_.assign(content.begin() + static_cast<std::ptrdiff_t>(position),
+               content.begin() + static_cast<std::ptrdiff_t>(end));
+  if (!behindBlank) {
+    size_t kept = 0;
+    for (size_t i = 0; i < data_.size(); ++i) {
+      if (data_[i] == '\\' && i + 1 < data_.size() && (data_[i + 1] == '\n' || data_[i + 1] == '\r'))
+        ++i;
+      else
+        data_[kept++] = data_[i];
+    }
+    data_.resize(kept);
+  }
+  context_.SetPosition(end);
+}
+
+// The codec of a combination of filters; none for any other one.
+bool InlineImageReader::MakeCodec(InlineRaster &image, RowLayout &layout) {
+  CZVBaseIO &io = *image.data;
+  const auto length = static_cast<uint32_t>(data_.size());
+  const auto width = static_cast<uint32_t>(width_);
+  const auto predict = [&](CCompressionClass &codec) {
+    if (predictor_ < 2) return;
+    codec.UsePredictor(static_cast<uint8_t>(std::min(predictor_, 255)));
+    codec.SetSampleShape({static_cast<uint32_t>(columns_ > 0 ? columns_ : 1), static_cast<uint32_t>(std::max(colors_, 1)),
+                          static_cast<uint32_t>(std::max(predictorBits_, 1))});
+  };
+  ImageFilter filter = ImageFilter::kUncompressed;
+  switch (filters_) {
+    case 0:
+      break;
+    case kAscii85:
+      filter = ImageFilter::kAscii85;
+      break;
+    case kAsciiHex:
+      filter = ImageFilter::kAsciiHex;
+      break;
+    case kRunLength:
+      filter = ImageFilter::kPackBits;
+      break;
+    case kLzw: {
+      auto codec = std::make_unique<CZVLzw>(io, length, 1, 8);
+      codec->SetEarlyChange(earlyChange_ != 0);
+      predict(*codec);
+      image.codec = std::move(codec);
+      return true;
+    }
+    case kFlate:
+    case kFlate | kAscii85: {
+      std::unique_ptr<CCompressionClass> inner;
+      if (filters_ & kAscii85) inner = std::make_unique<CZVASCII85>(io, length);
+      image.codec = std::make_unique<CZVFlate>(io, length, std::move(inner));
+      predict(*image.codec);
+      return true;
+    }
+    case kCcitt:
+      if (!ChooseCcitt(k_, encodeByteAlign_ == 1, filter)) return false;
+      layout.runs = layout.kind == RasterKind::kBilevel;
+      break;
+    case kDct: {
+      auto codec = std::make_unique<CZVDCT>(io, length, 0, 0, 1, 75);
+      if (!codec->Open()) return false;
+      layout.components = codec->components();
+      layout.codedWidth = codec->width();
+      layout.bitsPerComponent = 8;
+      image.codec = std::move(codec);
+      return true;
+    }
+    default:
+      return false;
+  }
+  const uint32_t columns = filters_ == kCcitt && columns_ > 0 ? static_cast<uint32_t>(columns_) : width;
+  image.codec = MakeImageCodec(io, length, filter, 1, {columns, components_, 8});
+  image.codec->SetBitlineOutput(layout.runs && columns == width);
+  layout.runs = layout.runs && columns == width;
+  if (filters_ == kCcitt) layout.codedWidth = columns;
+  return true;
+}
+
+// What the host is told of the samples. One bit a pixel is bilevel whatever its colours are.
+bool InlineImageReader::ChooseLayout(InlineRaster &image, RowLayout &layout) const {
+  ImageDescription &told = image.description;
+  const bool oneBit = color_ == Color::kNone || (bitsPerComponent_ == 1 && components_ == 1);
+  layout.width = told.width;
+  layout.components = components_;
+  layout.bitsPerComponent = oneBit ? 1 : static_cast<uint32_t>(std::clamp(bitsPerComponent_, 0, 16));
+  told.invert = blackIs1_;
+  if (oneBit) {
+    told.kind = RasterKind::kBilevel;
+    if (color_ != Color::kIndexed) told.invert = !told.invert;
+    if (color_ == Color::kIndexed && palette_ && FirstIsBrighter(*palette_)) told.invert = !told.invert;
+    if (filters_ == kCcitt) told.invert = !told.invert;  // its runs are the black pixels, 0 in plain bits
+  } else if (color_ == Color::kGrey) {
+    told.kind = RasterKind::kGrey;
+    told.palette = GreyRamp();
+  } else if (color_ == Color::kIndexed) {
+    told.kind = RasterKind::kIndexed;
+    told.palette = palette_ ? Copy(palette_) : DefaultPalette();
+  } else {
+    told.kind = color_ == Color::kRgb ? RasterKind::kTrueColor : RasterKind::kTrueColorMasked;
+  }
+  layout.kind = told.kind;
+  const uint32_t bits = layout.bitsPerComponent;
+  return bits == 8 || (components_ == 1 && (bits == 1 || bits == 2 || bits == 4));
+}
+
+std::unique_ptr<InlineRaster> InlineImageReader::Finish(const Affine &matrix) {
+  const auto inBounds = [](int32_t side) { return side >= 1 && static_cast<uint32_t>(side) <= limits::kImageSide; };
+  if (!inBounds(width_) || !inBounds(height_)) return nullptr;
+  auto image = std::make_unique<InlineRaster>();
+  image->description.width = static_cast<uint32_t>(width_);
+  image->description.height = static_cast<uint32_t>(height_);
+  image->placement = PlaceInlineImage(matrix, image->description.width, image->description.height);
+  image->description.dpi = image->placement.dpi;
+  image->data = std::make_unique<CZVMemoryFile>(std::move(data_));
+  RowLayout layout;
+  if (!ChooseLayout(*image, layout) || !MakeCodec(*image, layout)) {
+    image->codec.reset();
+    return image;
+  }
+  image->reader = std::make_unique<RowReader>(layout);
+  return image;
+}
+
+}  // namespace kapdf
