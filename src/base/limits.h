@@ -34,5 +34,7 @@ inline constexpr int64_t kRubbish = int64_t{64} << 20;          // bytes passed 
 inline constexpr int kJoinedStreams = 64;                       // streams that one statement may span
 inline constexpr size_t kObjectStreamCache = size_t{64} << 20;  // bytes of decoded object streams kept
 inline constexpr size_t kPaletteEntries = 256;
+inline constexpr size_t kCMapText = size_t{16} << 20;  // bytes of a CMap that are read
+inline constexpr size_t kCodeSpaces = 256;             // of a font; further ones are dropped
 
 }  // namespace kapdf::limits

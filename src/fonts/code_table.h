@@ -22,8 +22,8 @@ using CodeTable = std::array<uint16_t, 65536>;
 
 // A table without targets, to be filled.
 std::shared_ptr<CodeTable> MakeCodeTable();
-// A code in several ranges gets the target of the last one. Codes above 0xFFFF are left out. Takes time in proportion to
-// the number of ranges, not to their lengths.
+// A code in several ranges gets the target of the last one. Codes above 0xFFFF are left out. Takes time in proportion
+// to the number of ranges, not to their lengths.
 std::shared_ptr<CodeTable> MakeCodeTable(std::span<const CodeRange> ranges);
 
 }  // namespace kapdf
