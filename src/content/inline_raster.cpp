@@ -248,12 +248,8 @@ bool InlineImageReader::MakeCodec(InlineRaster &image, RowLayout &layout) {
   CZVBaseIO &io = *image.data;
   const auto length = static_cast<uint32_t>(data_.size());
   const auto width = static_cast<uint32_t>(width_);
-  const auto predict = [&](CCompressionClass &codec) {
-    if (predictor_ < 2) return;
-    codec.UsePredictor(static_cast<uint8_t>(std::min(predictor_, 255)));
-    codec.SetSampleShape({static_cast<uint32_t>(columns_ > 0 ? columns_ : 1), static_cast<uint32_t>(std::max(colors_, 1)),
-                          static_cast<uint32_t>(std::max(predictorBits_, 1))});
-  };
+  const auto atLeast1 = [](int32_t value) { return static_cast<uint32_t>(std::max(value, 1)); };
+  const SampleShape predicted = {atLeast1(columns_), atLeast1(colors_), atLeast1(predictorBits_)};
   ImageFilter filter = ImageFilter::kUncompressed;
   switch (filters_) {
     case 0:
@@ -270,7 +266,7 @@ bool InlineImageReader::MakeCodec(InlineRaster &image, RowLayout &layout) {
     case kLzw: {
       auto codec = std::make_unique<CZVLzw>(io, length, 1, 8);
       codec->SetEarlyChange(earlyChange_ != 0);
-      predict(*codec);
+      UsePredictor(*codec, predictor_, predicted);
       image.codec = std::move(codec);
       return true;
     }
@@ -279,7 +275,7 @@ bool InlineImageReader::MakeCodec(InlineRaster &image, RowLayout &layout) {
       std::unique_ptr<CCompressionClass> inner;
       if (filters_ & kAscii85) inner = std::make_unique<CZVASCII85>(io, length);
       image.codec = std::make_unique<CZVFlate>(io, length, std::move(inner));
-      predict(*image.codec);
+      UsePredictor(*image.codec, predictor_, predicted);
       return true;
     }
     case kCcitt:
@@ -299,7 +295,7 @@ bool InlineImageReader::MakeCodec(InlineRaster &image, RowLayout &layout) {
       return false;
   }
   const uint32_t columns = filters_ == kCcitt && columns_ > 0 ? static_cast<uint32_t>(columns_) : width;
-  image.codec = MakeImageCodec(io, length, filter, 1, {columns, components_, 8});
+  image.codec = MakeImageCodec(io, length, filter, {columns, components_, 8});
   image.codec->SetBitlineOutput(layout.runs && columns == width);
   layout.runs = layout.runs && columns == width;
   if (filters_ == kCcitt) layout.codedWidth = columns;

@@ -55,13 +55,13 @@ int32_t PredictorOf(ObjectLocator &objects, const CPDFObject *parameters) {
   return dictionary ? Integer(*dictionary, "Predictor", 1) : 1;
 }
 
+}  // namespace
+
 void UsePredictor(CCompressionClass &codec, int32_t predictor, const SampleShape &shape) {
   if (predictor < 2) return;
   codec.UsePredictor(static_cast<uint8_t>(std::min(predictor, 255)));
   codec.SetSampleShape(shape);
 }
-
-}  // namespace
 
 bool ChooseCcitt(int32_t k, bool rowsStartAtBytes, ImageFilter &filter) {
   filter = k < 0 ? ImageFilter::kCcitt4 : rowsStartAtBytes ? ImageFilter::kCcitt3 : ImageFilter::kCcitt3Fax;
@@ -93,6 +93,7 @@ bool ImageCoding::ReadParameters(ObjectLocator &objects, const CPDFObject *param
   }
   if (!values) return true;
   if (filter == ImageFilter::kFlate) predictor = Integer(*values, "Predictor", 1);
+  if (filter == ImageFilter::kLzw) earlyChange = Integer(*values, "EarlyChange", 1) != 0;
   if (filter == ImageFilter::kJBig2) {
     const auto *globals = values->GetAs<CPDFIndirectObject>("JBIG2Globals");
     uint8_t firstChar;
@@ -133,7 +134,7 @@ bool ImageCoding::Read(ObjectLocator &objects, const CPDFDictionary &dictionary,
          ReadParameters(objects, each ? both->GetAt(1) : nullptr);
 }
 
-std::unique_ptr<CCompressionClass> MakeImageCodec(CZVBaseIO &io, uint32_t length, ImageFilter filter, int32_t predictor,
+std::unique_ptr<CCompressionClass> MakeImageCodec(CZVBaseIO &io, uint32_t length, ImageFilter filter,
                                                   const SampleShape &shape) {
   const auto facsimile = [&](std::unique_ptr<CZVCCITT> codec) {
     codec->SetColumns(shape.columns);
@@ -148,16 +149,10 @@ std::unique_ptr<CCompressionClass> MakeImageCodec(CZVBaseIO &io, uint32_t length
       return std::make_unique<CZVASCII85>(io, length);
     case ImageFilter::kAsciiHex:
       return std::make_unique<CZVASCIIHex>(io, length);
-    case ImageFilter::kFlate: {
-      auto codec = std::make_unique<CZVFlate>(io, length);
-      UsePredictor(*codec, predictor, shape);
-      return codec;
-    }
-    case ImageFilter::kLzw: {
-      auto codec = std::make_unique<CZVLzw>(io, length, 1, 8);
-      UsePredictor(*codec, predictor, shape);
-      return codec;
-    }
+    case ImageFilter::kFlate:
+      return std::make_unique<CZVFlate>(io, length);
+    case ImageFilter::kLzw:
+      return std::make_unique<CZVLzw>(io, length, 1, 8);
     case ImageFilter::kPackBits:
       return std::make_unique<CZVPackBits>(io, length);
     case ImageFilter::kCcitt3:
@@ -183,8 +178,8 @@ std::unique_ptr<ImageSource> ImageSource::Open(ObjectLocator &objects, const Ima
   uint32_t length = coding.length;
   if (coding.first == ImageCoding::First::kAscii85 || coding.first == ImageCoding::First::kFlate) {
     const bool flate = coding.first == ImageCoding::First::kFlate;
-    const auto stage = MakeImageCodec(*data, length, flate ? ImageFilter::kFlate : ImageFilter::kAscii85,
-                                      coding.firstPredictor, shape);
+    const auto stage = MakeImageCodec(*data, length, flate ? ImageFilter::kFlate : ImageFilter::kAscii85, shape);
+    UsePredictor(*stage, coding.firstPredictor, shape);
     auto store = CRasterFile::Create();
     if (!store) return nullptr;
     std::vector<uint8_t> piece(kFirstFilterPiece);
@@ -199,7 +194,9 @@ std::unique_ptr<ImageSource> ImageSource::Open(ObjectLocator &objects, const Ima
   } else {
     opened->data_ = std::move(data);
   }
-  opened->codec_ = MakeImageCodec(*opened->data_, length, coding.filter, coding.predictor, shape);
+  opened->codec_ = MakeImageCodec(*opened->data_, length, coding.filter, shape);
+  UsePredictor(*opened->codec_, coding.predictor, shape);
+  if (auto *lzw = dynamic_cast<CZVLzw *>(opened->codec_.get())) lzw->SetEarlyChange(coding.earlyChange);
   if (auto *jbig2 = dynamic_cast<CZVJBig2 *>(opened->codec_.get()); jbig2 && coding.first == ImageCoding::First::kNone) {
     jbig2->SetGlobals(coding.globalsStart, coding.globalsLength);
   }

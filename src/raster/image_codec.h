@@ -41,6 +41,7 @@ struct ImageCoding {
   int32_t predictor = 1;
   bool blackIs1 = false;
   bool bytesAligned = false;
+  bool earlyChange = true;  // of LZW
   int64_t globalsStart = 0;  // of JBIG2, in the document
   uint32_t globalsLength = 0;
   int64_t dataStart = 0;  // of the coded bytes, in the document
@@ -69,8 +70,10 @@ class ImageSource {
   std::unique_ptr<CCompressionClass> codec_;
 };
 
-// A codec over a source, for rows of a shape. Facsimile rows come as run lists.
-std::unique_ptr<CCompressionClass> MakeImageCodec(CZVBaseIO &io, uint32_t length, ImageFilter filter, int32_t predictor,
+// A codec over a source, for rows of a shape. Facsimile rows come as run lists. No prediction is undone.
+std::unique_ptr<CCompressionClass> MakeImageCodec(CZVBaseIO &io, uint32_t length, ImageFilter filter,
                                                   const SampleShape &shape);
+// Row prediction of `predictor`, where it is any.
+void UsePredictor(CCompressionClass &codec, int32_t predictor, const SampleShape &shape);
 
 }  // namespace kapdf
