@@ -1,0 +1,49 @@
+// The fonts of a document, each read once.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+
+#include "fonts/encoding_folder.h"
+#include "fonts/font_object.h"
+#include "pdfmodel/locator.h"
+
+namespace kapdf {
+
+struct FontSettings {
+  bool useEmbeddedFonts = false;  // keep the programs of fonts that match a family of the system, too
+  bool useUnicodeMap = true;      // where a program is kept with mapping data, keep the way to Unicode
+  int32_t codePage = 0;           // in the definition of a font that implies none
+};
+
+// Not for several threads at a time.
+class FontCache {
+ public:
+  FontCache(ObjectLocator &objects, const FontSettings &settings) : objects_(objects), settings_(settings) {}
+  FontCache(ObjectLocator &objects, const FontSettings &settings, EncodingFolder encodings)
+      : objects_(objects), settings_(settings), encodings_(std::move(encodings)) {}
+
+  // Null when the object is a dictionary that is no font (a dictionary of fonts is told from a font by that), or when
+  // all fonts in use take too much memory. The document's source is moved.
+  std::shared_ptr<const CPDFFontObject> Get(int32_t objectNumber);
+  // The `Name` in the dictionary of a font that was given; for one that the resources do not name. May be empty.
+  std::string NameOf(int32_t objectNumber) const;
+
+  EncodingFolder &encodings() { return encodings_; }
+
+ private:
+  struct Entry {
+    std::shared_ptr<const CPDFFontObject> font;  // null for what is no font
+    size_t memory = 0;
+  };
+  void DropUnused();
+
+  ObjectLocator &objects_;
+  FontSettings settings_;
+  EncodingFolder encodings_;
+  std::unordered_map<int32_t, Entry> fonts_;
+  size_t memory_ = 0;
+};
+
+}  // namespace kapdf

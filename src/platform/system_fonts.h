@@ -1,0 +1,64 @@
+// Fonts of the system: families, metrics, outlines' boxes, tables and whole files. GDI on Windows; elsewhere the same
+// questions are answered from the fonts' own tables.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/byte_buffer.h"
+
+namespace kapdf::platform {
+
+// Names of the families with TrueType outlines, the longest first. Found out once per process; empty without fonts.
+const std::vector<std::u16string> &TrueTypeFamilies();
+
+// The family whose upright font of ordinary weight has this PostScript name; empty for none. The fonts are looked at
+// once per process.
+std::u16string FamilyOfPostScriptName(std::u16string_view name);
+
+// In pixels at the size that was asked for: with 1000 to the em, thousandths of it.
+struct FontMetrics {
+  int32_t height = 0;  // ascent and descent
+  int32_t ascent = 0;
+  int32_t descent = 0;  // positive below the base line
+  int32_t internalLeading = 0;
+  int32_t externalLeading = 0;
+  int32_t averageWidth = 0;
+  int32_t italicAngle = 0;                           // tenths of a degree, counter-clockwise
+  int32_t left = 0, bottom = 0, right = 0, top = 0;  // box around all glyphs
+  uint8_t pitchAndFamily = 0;  // as in Windows' TEXTMETRIC: bit 0 set for variable pitch, family in the upper half
+  uint8_t charSet = 0;         // Windows' number; 2 for symbols
+};
+
+// Black box of a glyph in pixels.
+struct GlyphBox {
+  int32_t left = 0, top = 0;  // upper left corner, from the origin, upwards
+  int32_t width = 0, height = 0;
+};
+
+// One font, opened. Not for several threads at a time.
+class SystemFont {
+ public:
+  struct Request {
+    std::u16string family;
+    int32_t emPixels = 1000;  // 1 or more
+    bool bold = false;
+    bool italic = false;
+  };
+  // A family that is not installed gives the system's substitute. Null when there is none.
+  static std::unique_ptr<SystemFont> Open(const Request &request);
+  virtual ~SystemFont() = default;
+
+  virtual FontMetrics Metrics() = 0;
+  // False when the font cannot tell.
+  virtual bool Box(char16_t character, GlyphBox &box) = 0;
+  // Advance widths of the characters from first to last, in pixels; of the font's replacement where it has no glyph.
+  virtual std::vector<int32_t> Advances(char16_t first, char16_t last) = 0;
+  // A table of the font by its tag ("cmap"), or with an empty tag a file of this one font. Empty when there is none.
+  virtual ByteBuffer Table(std::string_view tag) = 0;
+};
+
+}  // namespace kapdf::platform
