@@ -95,7 +95,7 @@ class CPDFContentStream {
 
   ObjectLocator &objects_;
   std::unique_ptr<CPDFDictionary> owner_;
-  int32_t objectNumber_ = -1;  // of a form
+  int32_t objectNumber_ = -1;               // of a form
   std::unique_ptr<CPDFArray> ownContents_;  // `Contents` when it came through a reference
   const CPDFArray *contents_ = nullptr;
   ByteBuffer buffer_;  // the decoded stream and one zero

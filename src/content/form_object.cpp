@@ -20,7 +20,8 @@ bool CPDFFormObject::Load(const CPDFContentStream &page) {
       if (number && std::isfinite(number->realValue)) *cells[i] = number->realValue;
     }
   }
-  content_ = std::make_unique<CPDFContentStream>(objects_, std::move(dictionary), std::move(bytes), objectNumber_, page);
+  content_ =
+      std::make_unique<CPDFContentStream>(objects_, std::move(dictionary), std::move(bytes), objectNumber_, page);
   return true;
 }
 

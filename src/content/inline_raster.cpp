@@ -98,9 +98,12 @@ void InlineImageReader::TakeFilters(const char *text) {
   static constexpr struct {
     const char *name, *abbreviation;
     Filter bit;
-  } kNames[] = {{"/ASCIIHexDecode", "/AHx", kAsciiHex}, {"/ASCII85Decode", "/A85", kAscii85},
-                {"/LZWDecode", "/LZW", kLzw},           {"/FlateDecode", "/Fl", kFlate},
-                {"/RunLengthDecode", "/RL", kRunLength}, {"/CCITTFaxDecode", "/CCF", kCcitt},
+  } kNames[] = {{"/ASCIIHexDecode", "/AHx", kAsciiHex},
+                {"/ASCII85Decode", "/A85", kAscii85},
+                {"/LZWDecode", "/LZW", kLzw},
+                {"/FlateDecode", "/Fl", kFlate},
+                {"/RunLengthDecode", "/RL", kRunLength},
+                {"/CCITTFaxDecode", "/CCF", kCcitt},
                 {"/DCTDecode", "/DCT", kDct}};
   for (const auto &known : kNames) {
     if (std::strstr(text, known.name) || std::strstr(text, known.abbreviation)) filters_ |= known.bit;
@@ -196,7 +199,8 @@ bool InlineImageReader::TakeColorSpaceArray(const char *value) {
 }
 
 size_t InlineImageReader::RowBytes() const {
-  const uint64_t bits = color_ == Color::kNone ? 1 : static_cast<uint64_t>(std::max(bitsPerComponent_, 1)) * components_;
+  const uint64_t bits =
+      color_ == Color::kNone ? 1 : static_cast<uint64_t>(std::max(bitsPerComponent_, 1)) * components_;
   return static_cast<size_t>((static_cast<uint64_t>(std::max(width_, 0)) * bits + 7) / 8);
 }
 

@@ -48,8 +48,8 @@ class Interpreter {
   // the one drawn last. An inline image that waits comes first, whatever the name is. False when there is none or it
   // cannot be read; else the description is filled and `name` is its own one where it was empty.
   bool PrepareRaster(std::string &name, ImageDescription &description);
-  // The next row of the raster that was prepared last: 0, 16 after its last row, 2 without one. The row stays valid until
-  // the next one is asked for; `bytes` are a run list's own, or the whole row buffer's.
+  // The next row of the raster that was prepared last: 0, 16 after its last row, 2 without one. The row stays valid
+  // until the next one is asked for; `bytes` are a run list's own, or the whole row buffer's.
   uint32_t ReadRasterRow(uint8_t *&row, size_t &bytes);
   // Counts a raster that no record has announced.
   void CountRaster() { ++rasterSequence_; }

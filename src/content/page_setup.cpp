@@ -50,8 +50,7 @@ std::optional<PageToRead> SetupPage(CPDFFile &document, const PagePosition &posi
   ResourceSettings resources;
   resources.combineStripes = settings.ReadInteger(u"CombineStripes", 0) != 0;
   resources.raster.jbig2 = settings.ReadInteger(u"JSupport", 1) != 0;
-  page.stream =
-      std::make_unique<CPDFContentStream>(document.objects(), std::move(dictionary), resources, diagnostics);
+  page.stream = std::make_unique<CPDFContentStream>(document.objects(), std::move(dictionary), resources, diagnostics);
   if (box.left > box.right) std::swap(box.left, box.right);  // any two opposite corners may be given
   if (box.bottom > box.top) std::swap(box.bottom, box.top);
   page.stream->clipBox = box;

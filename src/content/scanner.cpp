@@ -1,6 +1,9 @@
 #include "content/scanner.h"
 
+#include <cstdio>
+
 #include "content/operators.h"
+#include "platform/file.h"
 
 namespace kapdf {
 namespace {
@@ -20,6 +23,22 @@ bool SkipPast(char *&at, char close) {
   return true;
 }
 
+// For looking into damaged content while this library is worked on: the text of a string that does not end is written
+// to a file.
+constexpr bool kDumpEndlessStrings = false;
+
+void DumpString(const char *text) {
+  const auto file = platform::OpenFile(platform::DiagnosticPath("PdfStringDump.txt"), "w+", platform::Share::kRead);
+  if (file) std::fputs(text, file.get());
+}
+
+bool SkipPastString(char *&at) {
+  const char *start = at;
+  const bool ended = SkipPast(at, ')');
+  if (kDumpEndlessStrings && !ended) DumpString(start);
+  return ended;
+}
+
 bool SkipPastDictionary(char *&at) {
   while (*at && !(at[0] == '>' && at[1] == '>')) at += *at == '\\' && at[1] ? 2 : 1;
   if (!*at) return false;
@@ -29,7 +48,7 @@ bool SkipPastDictionary(char *&at) {
 
 bool SkipPastArray(char *&at, Within &within) {
   for (;;) {
-    if (within == Within::kArrayString && !SkipPast(at, ')')) return false;
+    if (within == Within::kArrayString && !SkipPastString(at)) return false;
     if (within == Within::kArrayHexString && !SkipPast(at, '>')) return false;
     within = Within::kArray;
     while (*at && *at != ']' && *at != '(' && *at != '<') at += *at == '\\' && at[1] ? 2 : 1;
@@ -45,7 +64,7 @@ bool SkipRest(char *&at, Within &within) {
     case Within::kNothing:
       return true;
     case Within::kString:
-      return SkipPast(at, ')');
+      return SkipPastString(at);
     case Within::kHexString:
       return SkipPast(at, '>');
     case Within::kDictionary:
@@ -78,7 +97,7 @@ size_t WordLength(const char *text, size_t most = SIZE_MAX) {
 
 void SkipLiteralString(char *&at) {
   ++at;
-  SkipPast(at, ')');
+  SkipPastString(at);
 }
 
 void SkipHexString(char *&at) {

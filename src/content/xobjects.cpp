@@ -109,8 +109,8 @@ Flow Interpreter::DrawSolid(const CPDFRasterObject &raster) {
   const double height = image.height * kMillimetresPerInch / placed.dpi * placed.scaleY;
   const double c = std::cos(placed.angle), s = std::sin(placed.angle);
   const double x1 = placed.x + width * c, y1 = placed.y + width * s;
-  const double corners[] = {placed.x, placed.y, x1, y1, x1 - height * s, y1 + height * c, placed.x + height * s,
-                            placed.y + height * c};
+  const double corners[] = {
+      placed.x, placed.y, x1, y1, x1 - height * s, y1 + height * c, placed.x + height * s, placed.y + height * c};
   const uint32_t starts[] = {0, 4};
   const size_t bytes = sizeof(FilledPolygonPayload) + sizeof corners + sizeof starts;
   uint8_t *block = blocks_.polygon.Prepare(bytes);

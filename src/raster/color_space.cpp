@@ -122,8 +122,7 @@ void ColorSpace::LoadIndexed(const CPDFArray &array) {
   components_ = 1;
   indexed_ = true;
   const std::string base = FollowName(objects_, array.GetAt(1));
-  const int bytesPerEntry =
-      base == "DeviceCMYK" || base == "CMYK" ? 4 : base == "DeviceGray" || base == "G" ? 1 : 3;
+  const int bytesPerEntry = base == "DeviceCMYK" || base == "CMYK" ? 4 : base == "DeviceGray" || base == "G" ? 1 : 3;
   std::unique_ptr<CPDFObject> fetched;
   const auto *highest = dynamic_cast<const CPDFNumeric *>(Follow(objects_, array.GetAt(2), fetched));
   const int entries = highest ? std::clamp(highest->intValue, 0, 255) + 1 : 0;

@@ -130,8 +130,7 @@ bool ImageCoding::Read(ObjectLocator &objects, const CPDFDictionary &dictionary,
   } else {
     first = First::kSkipped;  // the second filter reads what was meant for it
   }
-  return ReadFilter(NameOf(list->GetAt(1)), jbig2) &&
-         ReadParameters(objects, each ? both->GetAt(1) : nullptr);
+  return ReadFilter(NameOf(list->GetAt(1)), jbig2) && ReadParameters(objects, each ? both->GetAt(1) : nullptr);
 }
 
 std::unique_ptr<CCompressionClass> MakeImageCodec(CZVBaseIO &io, uint32_t length, ImageFilter filter,
@@ -197,7 +196,8 @@ std::unique_ptr<ImageSource> ImageSource::Open(ObjectLocator &objects, const Ima
   opened->codec_ = MakeImageCodec(*opened->data_, length, coding.filter, shape);
   UsePredictor(*opened->codec_, coding.predictor, shape);
   if (auto *lzw = dynamic_cast<CZVLzw *>(opened->codec_.get())) lzw->SetEarlyChange(coding.earlyChange);
-  if (auto *jbig2 = dynamic_cast<CZVJBig2 *>(opened->codec_.get()); jbig2 && coding.first == ImageCoding::First::kNone) {
+  if (auto *jbig2 = dynamic_cast<CZVJBig2 *>(opened->codec_.get());
+      jbig2 && coding.first == ImageCoding::First::kNone) {
     jbig2->SetGlobals(coding.globalsStart, coding.globalsLength);
   }
   return opened;

@@ -41,7 +41,7 @@ struct ImageCoding {
   int32_t predictor = 1;
   bool blackIs1 = false;
   bool bytesAligned = false;
-  bool earlyChange = true;  // of LZW
+  bool earlyChange = true;   // of LZW
   int64_t globalsStart = 0;  // of JBIG2, in the document
   uint32_t globalsLength = 0;
   int64_t dataStart = 0;  // of the coded bytes, in the document

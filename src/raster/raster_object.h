@@ -44,15 +44,16 @@ struct RasterSettings {
 
 class CPDFRasterObject final : public CPDFXObject {
  public:
-  CPDFRasterObject(ObjectLocator &objects, const RasterSettings &settings) : CPDFXObject(objects), settings_(settings) {}
+  CPDFRasterObject(ObjectLocator &objects, const RasterSettings &settings)
+      : CPDFXObject(objects), settings_(settings) {}
 
   // The objects that are being loaded one inside the other; none twice, none too deep.
   struct LoadPath {
     int32_t objectNumber;
     const LoadPath *above;
   };
-  // Reads the dictionary, its masks' or, for a dictionary that is neither image nor form, its stripes'. False when it is
-  // something else, perhaps a form, or cannot be read.
+  // Reads the dictionary, its masks' or, for a dictionary that is neither image nor form, its stripes'. False when it
+  // is something else, perhaps a form, or cannot be read.
   bool Load(int32_t objectNumber, const LoadPath *above = nullptr, bool isMask = false);
 
   // Reads what the dictionary says of the samples. False when they cannot be delivered. A second call starts the rows
