@@ -1,6 +1,7 @@
 # Finds the libraries under the same names for every build: kapdf::zlib, kapdf::jpeg, kapdf::jbig2, kapdf::freetype,
-# kapdf::openjpeg, and for tool and tests kapdf::png, kapdf::cli11, kapdf::json. Only find_path and find_library are
-# used: pkg-config and package files would answer for the machine that builds when another one is built for.
+# kapdf::openjpeg, on Linux kapdf::fontconfig, and for tool and tests kapdf::png, kapdf::cli11, kapdf::json. Only
+# find_path and find_library are used: pkg-config and package files would answer for the machine that builds when
+# another one is built for.
 
 function(kapdf_find name header library)
   cmake_parse_arguments(ARG "" "" "SUFFIXES;DEFINITIONS" ${ARGN})
@@ -22,6 +23,9 @@ kapdf_find(jpeg jpeglib.h jpeg)
 kapdf_find(jbig2 jbig2.h jbig2dec)
 kapdf_find(freetype ft2build.h freetype SUFFIXES freetype2)
 target_link_libraries(kapdf::freetype INTERFACE kapdf::zlib)
+if(NOT WIN32)
+  kapdf_find(fontconfig fontconfig/fontconfig.h fontconfig)
+endif()
 kapdf_find(openjpeg openjpeg.h openjp2 SUFFIXES openjpeg-2.5)
 if(WIN32)
   target_compile_definitions(kapdf::openjpeg INTERFACE OPJ_STATIC)

@@ -1,0 +1,181 @@
+#include "platform/system_fonts.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+
+#include "platform/font_name_table.h"
+#include "platform/win32/wide.h"
+
+namespace kapdf::platform {
+namespace {
+
+// A device context of no device with one font in it.
+class Canvas {
+ public:
+  Canvas() : context_(CreateCompatibleDC(nullptr)) {}
+  ~Canvas() {
+    if (old_) SelectObject(context_, old_);
+    if (font_) DeleteObject(font_);
+    if (context_) DeleteDC(context_);
+  }
+  Canvas(const Canvas &) = delete;
+  Canvas &operator=(const Canvas &) = delete;
+
+  bool Select(HFONT font) {
+    if (!context_ || !font) return false;
+    HGDIOBJ before = SelectObject(context_, font);
+    if (!before) {
+      DeleteObject(font);
+      return false;
+    }
+    if (!old_) old_ = before;
+    if (font_) DeleteObject(font_);
+    font_ = font;
+    return true;
+  }
+  HDC context() const { return context_; }
+
+ private:
+  HDC context_;
+  HFONT font_ = nullptr;
+  HGDIOBJ old_ = nullptr;
+};
+
+struct Family {
+  LOGFONTW font;
+  bool trueType;
+};
+
+// A font for upright and one for vertical writing make two families; the second is only another way to show the first.
+int CALLBACK CollectFamily(const LOGFONTW *font, const TEXTMETRICW *, DWORD type, LPARAM list) {
+  if (font->lfFaceName[0] != L'@')
+    reinterpret_cast<std::vector<Family> *>(list)->push_back({*font, (type & TRUETYPE_FONTTYPE) != 0});
+  return 1;
+}
+
+const std::vector<Family> &Families() {
+  static const std::vector<Family> families = [] {
+    std::vector<Family> list;
+    const Canvas canvas;
+    EnumFontFamiliesW(canvas.context(), nullptr, CollectFamily, reinterpret_cast<LPARAM>(&list));
+    return list;
+  }();
+  return families;
+}
+
+// GDI takes the bytes of a tag in memory order.
+DWORD TagNumber(std::string_view tag) {
+  DWORD number = 0;
+  for (size_t i = 0; i < 4 && i < tag.size(); ++i) number |= static_cast<DWORD>(static_cast<uint8_t>(tag[i])) << 8 * i;
+  return number;
+}
+
+ByteBuffer FontData(HDC context, DWORD tag) {
+  ByteBuffer data;
+  const DWORD size = GetFontData(context, tag, 0, nullptr, 0);
+  if (size == GDI_ERROR || size == 0) return data;
+  data.Resize(size);
+  if (GetFontData(context, tag, 0, data.data(), size) != size) data.Clear();
+  return data;
+}
+
+class GdiFont final : public SystemFont {
+ public:
+  bool Select(const Request &request) {
+    return canvas_.Select(CreateFontW(-request.emPixels, 0, 0, 0, request.bold ? FW_BOLD : FW_NORMAL, request.italic, 0,
+                                      0, DEFAULT_CHARSET, 0, 0, 0, 0, Wide(request.family).c_str()));
+  }
+
+  FontMetrics Metrics() override {
+    FontMetrics metrics;
+    TEXTMETRICW text;
+    if (GetTextMetricsW(canvas_.context(), &text)) {
+      metrics.height = text.tmHeight;
+      metrics.ascent = text.tmAscent;
+      metrics.descent = text.tmDescent;
+      metrics.internalLeading = text.tmInternalLeading;
+      metrics.externalLeading = text.tmExternalLeading;
+      metrics.averageWidth = text.tmAveCharWidth;
+      metrics.pitchAndFamily = text.tmPitchAndFamily;
+      metrics.charSet = text.tmCharSet;
+    }
+    const UINT size = GetOutlineTextMetricsW(canvas_.context(), 0, nullptr);
+    std::vector<uint64_t> block(size / 8 + 1);  // aligned; the structure has strings behind it
+    auto *outline = reinterpret_cast<OUTLINETEXTMETRICW *>(block.data());
+    if (size >= sizeof(*outline) && GetOutlineTextMetricsW(canvas_.context(), size, outline)) {
+      metrics.italicAngle = outline->otmItalicAngle;
+      metrics.left = outline->otmrcFontBox.left;
+      metrics.bottom = outline->otmrcFontBox.bottom;
+      metrics.right = outline->otmrcFontBox.right;
+      metrics.top = outline->otmrcFontBox.top;
+    }
+    return metrics;
+  }
+
+  bool Box(char16_t character, GlyphBox &box) override {
+    const MAT2 identity = {{0, 1}, {0, 0}, {0, 0}, {0, 1}};
+    GLYPHMETRICS glyph;
+    if (GetGlyphOutlineW(canvas_.context(), character, GGO_METRICS, &glyph, 0, nullptr, &identity) == GDI_ERROR)
+      return false;
+    box = {glyph.gmptGlyphOrigin.x, glyph.gmptGlyphOrigin.y, static_cast<int32_t>(glyph.gmBlackBoxX),
+           static_cast<int32_t>(glyph.gmBlackBoxY)};
+    return true;
+  }
+
+  std::vector<int32_t> Advances(char16_t first, char16_t last) override {
+    if (last < first) return {};
+    std::vector<ABC> parts(static_cast<size_t>(last - first) + 1);
+    std::vector<int32_t> advances(parts.size());
+    if (!GetCharABCWidthsW(canvas_.context(), first, last, parts.data())) return advances;
+    for (size_t i = 0; i < parts.size(); ++i)
+      advances[i] = parts[i].abcA + static_cast<int32_t>(parts[i].abcB) + parts[i].abcC;
+    return advances;
+  }
+
+  ByteBuffer Table(std::string_view tag) override { return FontData(canvas_.context(), TagNumber(tag)); }
+
+ private:
+  Canvas canvas_;
+};
+
+std::map<std::u16string, std::u16string, std::less<>> ReadPostScriptNames() {
+  std::map<std::u16string, std::u16string, std::less<>> found;
+  Canvas canvas;
+  for (const Family &family : Families()) {
+    if (!canvas.Select(CreateFontIndirectW(&family.font))) continue;
+    const ByteBuffer table = FontData(canvas.context(), TagNumber("name"));
+    for (std::u16string &name : PostScriptNames(table.span()))
+      found.try_emplace(std::move(name), FromWide(family.font.lfFaceName));
+  }
+  return found;
+}
+
+}  // namespace
+
+const std::vector<std::u16string> &TrueTypeFamilies() {
+  static const std::vector<std::u16string> names = [] {
+    std::vector<std::u16string> list;
+    for (const Family &family : Families())
+      if (family.trueType) list.push_back(FromWide(family.font.lfFaceName));
+    std::ranges::stable_sort(list, std::greater(), &std::u16string::size);
+    return list;
+  }();
+  return names;
+}
+
+std::u16string FamilyOfPostScriptName(std::u16string_view name) {
+  static const auto names = ReadPostScriptNames();
+  const auto found = names.find(name);
+  return found == names.end() ? std::u16string() : found->second;
+}
+
+std::unique_ptr<SystemFont> SystemFont::Open(const Request &request) {
+  auto font = std::make_unique<GdiFont>();
+  if (!font->Select(request)) return nullptr;
+  return font;
+}
+
+}  // namespace kapdf::platform
