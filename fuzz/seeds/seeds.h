@@ -26,6 +26,7 @@ void AddDrawings(SeedFolder &folder);
 void AddCodecs(SeedFolder &folder);
 void AddImages(SeedFolder &folder);
 void AddFaxes(SeedFolder &folder);
+void AddCMaps(SeedFolder &folder);
 
 // Statements of every group of operators.
 std::string_view SampleContent();

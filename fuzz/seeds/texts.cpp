@@ -134,4 +134,18 @@ void AddCodecs(SeedFolder &folder) {
   }
 }
 
+void AddCMaps(SeedFolder &folder) {
+  folder.Add(
+      "unicode",
+      "1 begincodespacerange\n<0000> <FFFF>\nendcodespacerange\n2 beginbfchar\n<0003> <0020>\n<0041> <D835DC00>\n"
+      "endbfchar\n2 beginbfrange\n<0004> <0010> <0021>\n<0011> <0012> [<0061> <0062>]\nendbfrange\n");
+  folder.Add("cids",
+             "2 begincodespacerange\r\n<00> <80>\r\n<8140> <FEFE>\r\n1 begincodespacerange <A0> <DF>\r\n"
+             "2 begincidrange\r\n<20> <7e> 231\r\n<8140> <817e> 0x279\r\n1 begincidchar\r\n<8180> 696\r\n");
+  // Would take a minute if each range were written out.
+  std::string ranges = "2000000000 beginbfrange\n";
+  for (int i = 0; i < 800'000; ++i) ranges += "<0><FFFF><0>\n";
+  folder.Add("ranges", ranges);
+}
+
 }  // namespace kapdf::fuzz
