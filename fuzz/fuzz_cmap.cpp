@@ -21,7 +21,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   CodeOfGlyphName(text);
 
   const auto table = MakeCodeTable(cmap.ranges());
-  if (cmap.ranges().size() > 1000) return 0;
+  size_t codes = 0;
+  for (const CodeRange &range : cmap.ranges()) codes += range.count;
+  if (codes > 200'000) return 0;
   CodeTable slowly;
   slowly.fill(kNoTarget);
   for (const CodeRange &range : cmap.ranges())
