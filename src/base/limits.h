@@ -36,5 +36,13 @@ inline constexpr size_t kObjectStreamCache = size_t{64} << 20;  // bytes of deco
 inline constexpr size_t kPaletteEntries = 256;
 inline constexpr size_t kCMapText = size_t{16} << 20;  // bytes of a CMap that are read
 inline constexpr size_t kCodeSpaces = 256;             // of a font; further ones are dropped
+inline constexpr size_t kFontProgram = size_t{128} << 20;  // bytes of a program that FreeType is given
+inline constexpr int64_t kFontWidths = int64_t{1} << 20;   // widths that one font sets, the same code again included
+inline constexpr size_t kFontMemory = size_t{512} << 20;   // of the fonts in use at a time; further ones are not found
+inline constexpr size_t kFontCache = size_t{128} << 20;    // from here on, fonts that nobody uses are forgotten
+// Decoded bytes of all streams that a document's fonts read, and so many more for each byte of the file. Further streams
+// count as missing.
+inline constexpr int64_t kFontStreams = int64_t{1} << 30;
+inline constexpr int64_t kFontStreamsPerByte = 64;
 
 }  // namespace kapdf::limits

@@ -20,16 +20,11 @@ struct FontSettings {
 // Not for several threads at a time.
 class FontCache {
  public:
-  FontCache(ObjectLocator &objects, const FontSettings &settings) : objects_(objects), settings_(settings) {}
-  FontCache(ObjectLocator &objects, const FontSettings &settings, EncodingFolder encodings)
-      : objects_(objects), settings_(settings), encodings_(std::move(encodings)) {}
+  FontCache(ObjectLocator &objects, const FontSettings &settings, EncodingFolder encodings = {});
 
   // Null when the object is a dictionary that is no font (a dictionary of fonts is told from a font by that), or when
   // all fonts in use take too much memory. The document's source is moved.
   std::shared_ptr<const CPDFFontObject> Get(int32_t objectNumber);
-  // The `Name` in the dictionary of a font that was given; for one that the resources do not name. May be empty.
-  std::string NameOf(int32_t objectNumber) const;
-
   EncodingFolder &encodings() { return encodings_; }
 
  private:
@@ -44,6 +39,7 @@ class FontCache {
   EncodingFolder encodings_;
   std::unordered_map<int32_t, Entry> fonts_;
   size_t memory_ = 0;
+  int64_t streamBytes_;  // that may still be decoded
 };
 
 }  // namespace kapdf

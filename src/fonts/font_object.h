@@ -51,7 +51,6 @@ class CPDFFontObject final : public CPDFResourceObject {
 
   // Codes are taken through the code spaces and the table to Unicode, not as bytes of a code page.
   bool composite() const { return composite_; }
-  // Never empty in a font that was read.
   std::span<const CodeSpace> codeSpaces() const { return codeSpaces_.list(); }
 
   bool hasWidths() const { return hasWidths_; }
@@ -96,6 +95,9 @@ class CPDFFontObject final : public CPDFResourceObject {
 
  private:
   friend class FontLoader;
+
+  // Fills the block ahead of the program; `codePage` is that of a font which implies none.
+  void Define(int32_t codePage);
 
   bool composite_ = false;
   bool hasWidths_ = false;

@@ -14,7 +14,9 @@ class CPDFResourceObject {
   // "/NAME NUMBER 0 R" and a carriage return. False when the sink did not take it.
   virtual bool WriteReference(CZVBaseIO &sink) const = 0;
 
-  std::string name;  // in the resources; on the reading side each holder has its own
+  // In the resources. On the reading side, where holders share fonts and have names of their own for them: the name
+  // that the object gives itself; may be empty.
+  std::string name;
   int32_t objectNumber = 0;
 
  protected:

@@ -52,8 +52,8 @@ void AddFace(FcPattern *pattern, std::vector<FontFace> &faces) {
   FcBool variable = FcFalse;
   FcPatternGetBool(pattern, FC_VARIABLE, 0, &variable);
   const std::string format = Text(pattern, FC_FONTFORMAT);
-  // OpenType with other outlines is found by its PostScript name. Bare Type 1 and CFF have no tables.
-  if (variable || (format != "TrueType" && Text(pattern, "fontwrapper") != "SFNT")) return;
+  // OpenType with other outlines is found by its PostScript name only. Type 1 files have no tables.
+  if (variable || (format != "TrueType" && format != "CFF")) return;
   FontFace face;
   face.family = FromUtf8(GroupingFamily(pattern));
   face.postScriptName = Text(pattern, FC_POSTSCRIPT_NAME);
@@ -102,8 +102,8 @@ const std::vector<FontFace> &FontFaces() {
     if (!Config()) return list;
     const Owned<FcPattern> all(FcPatternCreate());
     const Owned<FcObjectSet> objects(FcObjectSetBuild(FC_FAMILY, FC_FAMILYLANG, FC_POSTSCRIPT_NAME, FC_FILE, FC_INDEX,
-                                                      FC_FONTFORMAT, "fontwrapper", FC_VARIABLE, FC_WEIGHT, FC_SLANT,
-                                                      FC_WIDTH, nullptr));
+                                                      FC_FONTFORMAT, FC_VARIABLE, FC_WEIGHT, FC_SLANT, FC_WIDTH,
+                                                      nullptr));
     const Owned<FcFontSet> set(FcFontList(Config(), all.get(), objects.get()));
     for (int i = 0; set && i < set->nfont; ++i) AddFace(set->fonts[i], list);
     std::ranges::sort(list, {}, [](const FontFace &face) { return std::tie(face.family, face.file, face.index); });

@@ -47,12 +47,12 @@ class FreeTypeFont final : public SystemFont {
   ByteBuffer Table(std::string_view tag) override;
 
  private:
-  static int64_t FloorDivide(int64_t value, int64_t by) { return value / by - (value % by < 0 ? 1 : 0); }
-  // Font units to pixels: rounded, down, up.
-  int32_t Scaled(int64_t units) const { return Down(2 * units * emPixels_ + unitsPerEm(), 2 * unitsPerEm()); }
-  static int32_t Down(int64_t value, int64_t by) { return static_cast<int32_t>(FloorDivide(value, by)); }
-  int32_t Floor(int64_t units) const { return Down(units * emPixels_, unitsPerEm()); }
-  int32_t Ceiling(int64_t units) const { return -Floor(-units); }
+  // Font units to pixels, rounded.
+  int32_t Scaled(int64_t units) const { return Rounded(units * emPixels_, unitsPerEm()); }
+  static int32_t Rounded(int64_t value, int64_t by) {
+    const int64_t doubled = 2 * value + by;
+    return static_cast<int32_t>(doubled / (2 * by) - (doubled % (2 * by) < 0 ? 1 : 0));
+  }
   int64_t unitsPerEm() const { return face_->units_per_EM; }
 
   FT_UInt GlyphOf(char16_t character) const {
@@ -90,7 +90,7 @@ FontMetrics FreeTypeFont::Metrics() {
     metrics.externalLeading = Scaled(std::max(gap, 0));
   }
   metrics.averageWidth = Scaled(os2 ? os2->xAvgCharWidth : face_->max_advance_width / 2);
-  if (post) metrics.italicAngle = Down(int64_t{post->italicAngle} * 10 + 0x8000, 0x10000);
+  if (post) metrics.italicAngle = Rounded(int64_t{post->italicAngle} * 10, 0x10000);
   metrics.left = Scaled(face_->bbox.xMin);
   metrics.bottom = Scaled(face_->bbox.yMin);
   metrics.right = Scaled(face_->bbox.xMax);
@@ -125,10 +125,11 @@ bool FreeTypeFont::Box(char16_t character, GlyphBox &box) {
   if (face_->glyph->format != FT_GLYPH_FORMAT_OUTLINE) return false;
   FT_BBox units;
   FT_Outline_Get_CBox(&face_->glyph->outline, &units);
-  box.left = Floor(units.xMin);
-  box.top = Ceiling(units.yMax);
-  box.width = Ceiling(units.xMax) - box.left;
-  box.height = box.top - Floor(units.yMin);
+  // Hinting puts the edges of a glyph on whole pixels.
+  box.left = Scaled(units.xMin);
+  box.top = Scaled(units.yMax);
+  box.width = Scaled(units.xMax) - box.left;
+  box.height = box.top - Scaled(units.yMin);
   return true;
 }
 

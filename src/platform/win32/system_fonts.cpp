@@ -49,10 +49,12 @@ struct Family {
   bool trueType;
 };
 
-// A font for upright and one for vertical writing make two families; the second is only another way to show the first.
-int CALLBACK CollectFamily(const LOGFONTW *font, const TEXTMETRICW *, DWORD type, LPARAM list) {
-  if (font->lfFaceName[0] != L'@')
-    reinterpret_cast<std::vector<Family> *>(list)->push_back({*font, (type & TRUETYPE_FONTTYPE) != 0});
+// "@" families are others over again, for vertical writing. A family may come once for each of its character sets.
+int CALLBACK CollectFamily(const LOGFONTW *font, const TEXTMETRICW *, DWORD type, LPARAM context) {
+  auto &list = *reinterpret_cast<std::vector<Family> *>(context);
+  if (font->lfFaceName[0] == L'@') return 1;
+  if (!list.empty() && std::wstring_view(list.back().font.lfFaceName) == font->lfFaceName) return 1;
+  list.push_back({*font, (type & TRUETYPE_FONTTYPE) != 0});
   return 1;
 }
 
@@ -160,6 +162,8 @@ const std::vector<std::u16string> &TrueTypeFamilies() {
     std::vector<std::u16string> list;
     for (const Family &family : Families())
       if (family.trueType) list.push_back(FromWide(family.font.lfFaceName));
+    std::ranges::sort(list);
+    list.erase(std::unique(list.begin(), list.end()), list.end());
     std::ranges::stable_sort(list, std::greater(), &std::u16string::size);
     return list;
   }();
