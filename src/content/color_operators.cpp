@@ -100,7 +100,7 @@ Flow Interpreter::StrokeCmyk(const Statement &s) { return SetStroke(ColorKind::k
 // Grey goes through the space in force where there is one, outside text objects.
 Flow Interpreter::StrokeColor(const Statement &s) {
   uint32_t packed;
-  if (state_.strokeKind != ColorKind::kGray || !state_.colorSpace || textMode_ || !ScanOne(s, packed))
+  if (state_.strokeKind != ColorKind::kGray || !state_.colorSpace || text_.active || !ScanOne(s, packed))
     return SetStroke(state_.strokeKind, s);
   state_.strokeColor = CodeFromPacked(packed);
   return Flow::kNext;

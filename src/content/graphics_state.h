@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "geometry/affine.h"
@@ -21,6 +22,13 @@ struct GraphicsState {
   ColorKind fillKind = ColorKind::kRgb;
   const ColorSpace *colorSpace = nullptr;  // set by the last `cs` or `CS`, for both; its context keeps it
   double alpha = 1.0;
+  double charSpacing = 0;
+  double wordSpacing = 0;
+  double horizontalScale = 1.0;  // 1 for the font's own width
+  double leading = 0;
+  double fontSize = 1.0;
+  int32_t renderMode = 0;  // 3 hides text
+  std::string fontName;    // set outside text objects only
 };
 
 // The stack of `q` and `Q`. Beyond the bound states are only counted: their `Q` brings nothing back.

@@ -18,7 +18,7 @@ void InitializeRecord(ElementRecord &record) {
 }
 
 Interpreter::Interpreter(PageToRead page, const InterpreterSettings &settings)
-    : page_(std::move(page.stream)), context_(page_.get()), settings_(settings) {
+    : fonts_(std::move(page.fonts)), page_(std::move(page.stream)), context_(page_.get()), settings_(settings) {
   state_.ctm = page.baseMatrix;
   InitializeRecord(blocks_.spare);
 }
@@ -49,13 +49,7 @@ void Interpreter::FillDefaultRecords() {
   StartDefinition(ElemLineTypeDef, &blocks_.lineType, sizeof blocks_.lineType);
   CopyName(record_->styleName, currentLineStyle_);
 
-  static char16_t continuous[] = u"Continuous";
-  blocks_.layerName = currentLayer_;
-  blocks_.layer = {};
-  blocks_.layer.name = blocks_.layerName.data();
-  blocks_.layer.lineType = continuous;
-  blocks_.layer.color = KAPDF_COLOR_BLACK;
-  blocks_.layer.width = -2.0;
+  FillLayerBlock(currentLayer_, KAPDF_COLOR_BLACK);
   ElementRecord *first = record_;
   InitializeRecord(blocks_.spare);
   record_ = &blocks_.spare;
@@ -64,6 +58,16 @@ void Interpreter::FillDefaultRecords() {
   CopyName(record_->layerName, currentLayer_);
   record_ = first;
   record_->next = &blocks_.spare;
+}
+
+void Interpreter::FillLayerBlock(std::u16string_view name, uint32_t color) {
+  static char16_t continuous[] = u"Continuous";
+  blocks_.layerName = name;
+  blocks_.layer = {};
+  blocks_.layer.name = blocks_.layerName.data();
+  blocks_.layer.lineType = continuous;
+  blocks_.layer.color = color;
+  blocks_.layer.width = -2.0;
 }
 
 void Interpreter::StartRecord(uint32_t kind, uint32_t color, void *payload, size_t bytes) {
@@ -87,7 +91,9 @@ void Interpreter::StartDefinition(uint32_t kind, void *payload, size_t bytes) {
   record_->styleName[0] = 0;
 }
 
+// Inside a text object statements are read in a mode of their own, and only the operators with a handler for it act.
 Flow Interpreter::RunStatements() {
+  if (text_.active) StartTextPass();
   compound_ = alsoStroke_ = false;
   bool ended = false;
   while (!ended) {
@@ -105,11 +111,11 @@ Flow Interpreter::RunStatements() {
 // One statement. A plain one is taken from where it stands; any other goes through the statement buffer.
 Flow Interpreter::RunOne(bool &ended) {
   PlainStatement plain;
-  if (!remainder_ && !textMode_ && settings_.plainStatements && context_->ReadPlain(plain)) {
+  if (!remainder_ && !text_.active && settings_.plainStatements && context_->ReadPlain(plain)) {
     return Dispatch(plain.number, Statement{nullptr, &plain});
   }
   const bool fromContent = remainder_ == nullptr;
-  const ScanMode mode = textMode_ ? ScanMode::kText : ScanMode::kGraphics;
+  const ScanMode mode = text_.active ? ScanMode::kText : ScanMode::kGraphics;
   char *text = NextText(mode);
   if (!text) {
     ended = true;
@@ -136,19 +142,8 @@ char *Interpreter::NextText(ScanMode mode) {
 }
 
 Flow Interpreter::Dispatch(uint8_t number, const Statement &statement) {
-  const OperatorHandler handler = textMode_ ? HandlerInside(number) : HandlerOutside(number);
+  const OperatorHandler handler = text_.active ? HandlerInside(number) : HandlerOutside(number);
   return handler ? (this->*handler)(statement) : Flow::kNext;
-}
-
-// Inside a text object statements are read in a mode of their own, and only the operators with a handler for it act.
-Flow Interpreter::BeginText(const Statement &) {
-  textMode_ = true;
-  return Flow::kNext;
-}
-
-Flow Interpreter::EndText(const Statement &) {
-  textMode_ = false;
-  return Flow::kNext;
 }
 
 }  // namespace kapdf

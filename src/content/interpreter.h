@@ -15,12 +15,14 @@
 #include "content/record_blocks.h"
 #include "content/scanner.h"
 #include "content/statement.h"
+#include "content/text_state.h"
 #include "kapdf/kapdf.h"
 
 namespace kapdf {
 
 // What page set-up leaves for the interpreter.
 struct PageToRead {
+  std::unique_ptr<FontCache> fonts;
   std::unique_ptr<CPDFContentStream> stream;
   Affine baseMatrix;  // content coordinates to page coordinates, points
 };
@@ -30,6 +32,8 @@ struct InterpreterSettings {
   bool clipping = true;         // points outside the page's box are dropped
   bool convertPoly = true;      // smooth polylines may become circles, arcs and ellipses
   double fitTolerance = 0.002;  // of that recognition
+  int32_t codePage = 0;         // of fonts that imply none
+  double defaultTextWidth = 1;  // width factor of text before the content tells one
   bool plainStatements =
       true;  // numbers before an operator are taken straight from the content; the result is the same
 };
@@ -97,12 +101,28 @@ class Interpreter {
   Flow DiscardPath(const Statement &);
   Flow BeginText(const Statement &);
   Flow EndText(const Statement &);
+  Flow CharSpacing(const Statement &);
+  Flow WordSpacing(const Statement &);
+  Flow HorizontalScale(const Statement &);
+  Flow Leading(const Statement &);
+  Flow RenderMode(const Statement &);
+  Flow SelectFont(const Statement &);
+  Flow MoveText(const Statement &);
+  Flow MoveTextSetLeading(const Statement &);
+  Flow NextLine(const Statement &);
+  Flow TextMatrix(const Statement &);
+  Flow ShowText(const Statement &);
+  Flow NextLineShow(const Statement &);
+  Flow SpacedNextLineShow(const Statement &);
+  Flow BeginMarkedContent(const Statement &);
+  Flow EndMarkedContent(const Statement &);
   Flow InlineImage(const Statement &);
   Flow PaintXObject(const Statement &);
 
  private:
   enum class Pass { kStroke, kFill };
   static constexpr int64_t kIdle = -1;
+  static constexpr std::u16string_view kDefaultLayer = u"PDF";
 
   // The loop.
   Flow RunStatements();
@@ -112,6 +132,7 @@ class Interpreter {
 
   // Records.
   void FillDefaultRecords();
+  void FillLayerBlock(std::u16string_view name, uint32_t color);
   void StartRecord(uint32_t kind, uint32_t color, void *payload, size_t bytes);
   void StartDefinition(uint32_t kind, void *payload, size_t bytes);
   bool EmitPending();
@@ -145,6 +166,19 @@ class Interpreter {
   void SelectColorSpace(const Statement &statement, ColorKind &kind);
   const ExtGState *FindState(const Statement &statement);
 
+  // Text.
+  void StartTextPass();
+  void MoveLine(double x, double y);
+  FontUse *FindFont(std::string_view name);
+  void UseDecoding(const CPDFFontObject *font);
+  void RestoreDecoding();
+  void Show(const char *at);
+  void ShowString(const char *first, const char *end, bool hex);
+  void AppendCharacter(char16_t character, double width, double blank);
+  bool EmitRun();
+  void ChainRecord(ElementRecord &spare);
+  void StartTextRecord(TextPiece &piece);
+
   // XObjects.
   Flow EnterForm(CPDFFormObject &form);
   bool LeaveForm();
@@ -158,6 +192,7 @@ class Interpreter {
   void RereadBehindBeginImage();
   bool ReadImageDictionary(InlineImageReader &image);
 
+  std::unique_ptr<FontCache> fonts_;
   std::unique_ptr<CPDFContentStream> page_;
   CPDFContentStream *context_;
   InterpreterSettings settings_;
@@ -165,10 +200,9 @@ class Interpreter {
   StateStack stack_;
   OperatorSearch search_;
   char *remainder_ = nullptr;  // of the statement in the context's buffer
-  bool textMode_ = false;
   bool defaultsSent_ = false;
   bool ended_ = false;
-  std::u16string currentLayer_ = u"PDF";
+  std::u16string currentLayer_{kDefaultLayer};
   std::u16string currentLineStyle_ = u"Continuous";  // not part of the saved state
 
   PathList paths_;
@@ -180,6 +214,8 @@ class Interpreter {
   bool alsoStroke_ = false;
   bool contoursChecked_ = false;
   bool closeContours_ = false;  // paths go out closed: they were the contours of one polygon before
+
+  TextState text_;
 
   // The raster in delivery.
   CPDFRasterObject *announced_ = nullptr;  // drawn by the last `Do`

@@ -47,7 +47,13 @@ std::optional<PageToRead> SetupPage(CPDFFile &document, const PagePosition &posi
   page.baseMatrix = RotatePage(rotate, box);
   const platform::Settings settings(document.registryPath(), u"\\PDF");
   const bool diagnostics = settings.ReadInteger(u"WriteToTxt", 0) != 0;
+  FontSettings fonts;
+  fonts.useEmbeddedFonts = settings.ReadInteger(u"UseEmbeddedFonts", 0) != 0;
+  fonts.useUnicodeMap = settings.ReadInteger(u"UseUnicodeMap", 1) != 0;
+  fonts.codePage = settings.ReadInteger(u"CodePage", 0);
+  page.fonts = std::make_unique<FontCache>(document.objects(), fonts);
   ResourceSettings resources;
+  resources.fonts = page.fonts.get();
   resources.combineStripes = settings.ReadInteger(u"CombineStripes", 0) != 0;
   resources.raster.jbig2 = settings.ReadInteger(u"JSupport", 1) != 0;
   page.stream = std::make_unique<CPDFContentStream>(document.objects(), std::move(dictionary), resources, diagnostics);

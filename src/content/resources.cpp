@@ -1,14 +1,25 @@
 #include "content/resources.h"
 
 #include <cmath>
+#include <cstring>
 
 #include "base/scan.h"
 #include "content/form_object.h"
+#include "platform/text.h"
 
 namespace kapdf {
 namespace {
 
 constexpr double kMillimetresPerPoint = 25.4 / 72.0;
+
+constexpr size_t kLayerName = 255;  // UTF-16 units
+
+std::u16string WideText(const CPDFString &string) {
+  if (!string.wide) return platform::ToWide(string.bytes, platform::kSystemCodePage);
+  std::u16string text(string.bytes.size() / 2, u'\0');
+  std::memcpy(text.data(), string.bytes.data(), text.size() * 2);
+  return text;
+}
 
 double NumberOr0(const CPDFNumeric *number) {
   return number && std::isfinite(number->realValue) ? number->realValue : 0.0;
@@ -78,6 +89,62 @@ const ColorSpace *PageResources::FindColorSpace(std::string_view name) {
   if (!colorSpacesRead_) LoadColorSpaces();
   const auto found = colorSpaces_.find(std::string(name));
   return found == colorSpaces_.end() ? nullptr : &found->second;
+}
+
+// Only entries behind references that have a `Name` are layers.
+void PageResources::LoadLayers() {
+  layersRead_ = true;
+  const CPDFDictionary *all = Dictionary();
+  std::unique_ptr<CPDFObject> fetched;
+  const auto *table =
+      all ? dynamic_cast<const CPDFDictionary *>(Follow(objects_, all->Get("Properties"), fetched)) : nullptr;
+  if (!table) return;
+  for (const CPDFDictionary::Entry *entry : table->Sorted()) {
+    const auto *reference = dynamic_cast<const CPDFIndirectObject *>(entry->value.get());
+    const auto group = reference ? FetchDictionary(objects_, *reference) : nullptr;
+    const auto *name = group ? group->GetAs<CPDFString>("Name") : nullptr;
+    if (name) layers_.try_emplace(entry->name, LayerUse{WideText(*name).substr(0, kLayerName)});
+  }
+}
+
+LayerUse *PageResources::FindLayer(std::string_view name) {
+  if (!layersRead_) LoadLayers();
+  const auto found = layers_.find(std::string(name));
+  return found == layers_.end() ? nullptr : &found->second;
+}
+
+// The entries behind references count. A reference in place of the table may lead to one font, which then goes by the
+// name that it gives itself.
+void PageResources::LoadFonts() {
+  fontsRead_ = true;
+  const CPDFDictionary *all = Dictionary();
+  if (!all || !settings_.fonts) return;
+  std::unique_ptr<CPDFDictionary> fetched;
+  const auto *table = all->GetAs<CPDFDictionary>("Font");
+  if (const auto *reference = all->GetAs<CPDFIndirectObject>("Font")) {
+    if (auto font = settings_.fonts->Get(reference->objectNumber)) {
+      fonts_.try_emplace(font->name, FontUse{font});
+      return;
+    }
+    fetched = FetchDictionary(objects_, *reference);
+    table = fetched.get();
+  }
+  if (!table) return;
+  for (const CPDFDictionary::Entry *entry : table->Sorted()) {
+    if (const auto *item = dynamic_cast<const CPDFIndirectObject *>(entry->value.get()))
+      fontNumbers_.try_emplace(entry->name, item->objectNumber);
+  }
+}
+
+FontUse *PageResources::FindFont(std::string_view name) {
+  if (!fontsRead_) LoadFonts();
+  const std::string key(name);
+  if (const auto found = fonts_.find(key); found != fonts_.end()) return &found->second;
+  const auto number = fontNumbers_.find(key);
+  if (number == fontNumbers_.end()) return nullptr;
+  auto font = settings_.fonts->Get(number->second);
+  fontNumbers_.erase(number);
+  return font ? &fonts_.try_emplace(key, FontUse{std::move(font)}).first->second : nullptr;
 }
 
 // Of a direct dictionary the entries behind references count. One behind a reference counts as a container of images.

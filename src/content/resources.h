@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "fonts/font_cache.h"
 #include "kapdf/kapdf.h"
 #include "pdfmodel/locator.h"
 #include "raster/color_space.h"
@@ -24,6 +25,19 @@ struct ExtGState {
 struct ResourceSettings {
   bool combineStripes = false;  // images that share a container and a width are one image
   RasterSettings raster;
+  FontCache *fonts = nullptr;  // of the document; must outlive the holders
+};
+
+// A font in a holder's table.
+struct FontUse {
+  std::shared_ptr<const CPDFFontObject> font;
+  bool announced = false;  // the host has its definition
+};
+
+// Optional content that a holder names.
+struct LayerUse {
+  std::u16string name;     // at most 255 units
+  bool announced = false;  // the host has its definition
 };
 
 // The resources of one page or form. Each table is read when something in it is first asked for, and each XObject when
@@ -38,6 +52,8 @@ class PageResources {
 
   const ExtGState *FindExtGState(std::string_view name);
   const ColorSpace *FindColorSpace(std::string_view name);
+  FontUse *FindFont(std::string_view name);
+  LayerUse *FindLayer(std::string_view name);
   // An image, a form, or the container of the stripe of that name. A form is not loaded.
   CPDFXObject *FindXObject(std::string_view name);
   // Images among the XObjects, counted once; for that all of them are read.
@@ -54,6 +70,8 @@ class PageResources {
 
   const CPDFDictionary *Dictionary();
   void LoadColorSpaces();
+  void LoadFonts();
+  void LoadLayers();
   void LoadXObjects();
   void LoadXObjectsBehind(const CPDFIndirectObject &reference);
   CPDFXObject *Resolve(XObjectEntry &entry, const std::string &name);
@@ -69,6 +87,11 @@ class PageResources {
   bool dictionaryRead_ = false;
   bool extGStatesRead_ = false;
   std::unordered_map<std::string, ExtGState> extGStates_;
+  bool fontsRead_ = false;
+  std::unordered_map<std::string, int32_t> fontNumbers_;
+  std::unordered_map<std::string, FontUse> fonts_;
+  bool layersRead_ = false;
+  std::unordered_map<std::string, LayerUse> layers_;
   bool colorSpacesRead_ = false;
   std::unordered_map<std::string, ColorSpace> colorSpaces_;
   bool xObjectsRead_ = false;

@@ -36,6 +36,7 @@ Flow Interpreter::PushState(const Statement &) {
 
 Flow Interpreter::PopState(const Statement &) {
   stack_.Pop(state_);
+  RestoreDecoding();
   return Flow::kNext;
 }
 

@@ -40,6 +40,8 @@ uint32_t CPDFFilter::OpenPage(const FileInfo &info) {
   if (!page) return FilterDamaged;
   const platform::Settings settings(registryPath_, u"\\PDF");
   interpreterSettings_.imageFrame = static_cast<uint32_t>(settings.ReadInteger(u"ImageFrame", 1));
+  interpreterSettings_.codePage = settings.ReadInteger(u"CodePage", 0);
+  interpreterSettings_.defaultTextWidth = settings.ReadReal(u"DefaultTextW2H", 1.0);
   interpreterSettings_.clipping = settings.ReadInteger(u"Clipping", 1) != 0;
   interpreter_ = std::make_unique<Interpreter>(std::move(*page), interpreterSettings_);
   return FilterOk;

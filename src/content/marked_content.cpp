@@ -1,0 +1,46 @@
+// Optional content as layers of the host. There is one level: whatever ends puts elements back on the default layer.
+#include "base/ascii.h"
+#include "content/interpreter.h"
+
+namespace kapdf {
+namespace {
+
+constexpr size_t kNameText = 255;
+
+// The name behind "/OC", without its slash; empty for any other marked content.
+std::string_view LayerKey(const char *text) {
+  const std::string_view statement(text);
+  if (!statement.starts_with("/OC")) return {};
+  size_t at = 3;
+  while (at < statement.size() && IsSpace(static_cast<unsigned char>(statement[at]))) ++at;
+  if (at == statement.size() || statement[at] != '/') return {};
+  const std::string_view rest = statement.substr(at + 1);
+  size_t length = 0;
+  while (length < rest.size() && !IsSpace(static_cast<unsigned char>(rest[length]))) ++length;
+  return rest.substr(0, std::min(length, kNameText));
+}
+
+}  // namespace
+
+// The host gets a layer's definition when something first goes to it, in the colour of strokes at that moment.
+Flow Interpreter::BeginMarkedContent(const Statement &statement) {
+  const std::string_view key = LayerKey(statement.text);
+  if (key.empty()) return Flow::kNext;
+  LayerUse *layer = context_->resources.FindLayer(key);
+  currentLayer_ = layer ? std::u16string_view(layer->name) : kDefaultLayer;
+  if (!layer || layer->announced) return Flow::kNext;
+  layer->announced = true;
+  const uint32_t color = state_.strokeColor == KAPDF_COLOR_BY_LAYER ? KAPDF_COLOR_BLACK : state_.strokeColor;
+  FillLayerBlock(layer->name, color);
+  StartDefinition(ElemLayerDef, &blocks_.layer, sizeof blocks_.layer);
+  record_->color = color;
+  CopyName(record_->layerName, layer->name);
+  return Flow::kRecord;
+}
+
+Flow Interpreter::EndMarkedContent(const Statement &) {
+  currentLayer_ = kDefaultLayer;
+  return Flow::kNext;
+}
+
+}  // namespace kapdf
