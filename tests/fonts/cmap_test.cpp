@@ -93,8 +93,9 @@ TEST(EncodingFolder, HasAFileForEachName) {
   const struct {
     std::string_view name;
     uint16_t code, target;
-  } cases[] = {{"90ms-RKSJ-H", 0x82A0, 843}, {"UniJIS-UCS2-HW-H", 0x3042, 843}, {"UNIKS_UCS2-V", 0xAC00, 1086},
-               {"GBK2K-EUC-H", 0xB0A1, 940}, {"KSCPC-UHC-V", 0xB0A1, 1086},     {"adobe-korea1-ucs2", 1086, 0xAC00}};
+  } cases[] = {{"90ms-RKSJ-H", 0x82A0, 843},       {"ETenms-B5-H", 0x20, 1},     {"UniJIS-UCS2-HW-H", 0x3042, 843},
+               {"UNIKS_UCS2-V", 0xAC00, 1086},     {"GBK2K-EUC-H", 0xB0A1, 940}, {"KSCPC-UHC-V", 0xB0A1, 1086},
+               {"adobe-korea1-ucs2", 1086, 0xAC00}};
   for (const auto &c : cases) EXPECT_EQ((*folder.Find(c.name)->table)[c.code], c.target) << c.name;
 }
 
