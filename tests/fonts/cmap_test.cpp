@@ -31,6 +31,7 @@ TEST(CMap, Texts) {
        "3=61 4=62 5=63 41=D835 "},
       {"2 begincodespacerange\n<00> <80>\n<8140> <FEFE>\nendcodespacerange\n", "1 0 80; 2 8140 FEFE; "},
       {"1 begincodespacerange\n<0000> <00FF>\n", "2 0 FF; "},
+      {"1 begincodespacerange\n<00> <00FF>\n", "2 0 FF; "},
       {"1 begincodespacerange <00> <FF> endcodespacerange\n1 beginbfchar\n<1> <2>", "1 0 FF; 1=2 "},
       {"2 begincodespacerange <0000> <FFFF>\n<00> <80>", "2 0 FFFF; 2 0 FFFF; "},  // the same line counts twice
       {"1 begincodespacerange\n<00> <80>\nx\n2 begincodespacerange\n<8140> <FEFE>\n<A0> <DF>", "1 0 80; "},
