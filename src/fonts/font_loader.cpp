@@ -172,7 +172,8 @@ void FontLoader::ReadCharacterCollection() {
   const std::string_view file = UnicodeMapFor(CMapNameAt(row_), ordering->bytes);
   const EncodingFolder::Encoding *map = file.empty() ? nullptr : encodings_.Find(file);
   if (!map) return;
-  font_.codeSpaces_ = map->codeSpaces;
+  // Bytes of a code page fall into characters as its encoding tells, not as the CIDs do.
+  if (font_.composite_) font_.codeSpaces_ = map->codeSpaces;
   if (!map->table) return;
   font_.unicode_ = map->table;
   // The map starts from CIDs. An encoding that is not the identity has a way of its own from codes to them.
