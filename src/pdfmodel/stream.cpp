@@ -7,7 +7,9 @@
 #include "base/ascii.h"
 #include "base/limits.h"
 #include "io/codec_ascii.h"
+#include "io/codec_ccitt.h"
 #include "io/codec_flate.h"
+#include "io/codec_lzw.h"
 
 namespace kapdf {
 namespace {
@@ -90,7 +92,49 @@ int CPDFStream::MakeCodec() {
     codec_ = std::make_unique<CZVASCIIHex>(*source_, length);
     return 0;
   }
-  return 1;
+  if (IsEither(filter, "LZWDecode", "LZW")) {
+    codec_ = std::make_unique<CZVLzw>(*source_, length, 1, 8);
+    return 0;
+  }
+  return IsEither(filter, "CCITTFaxDecode", "CCF") ? MakeFacsimileCodec() : 1;
+}
+
+// Here a reference in place of the parameters is followed. A number of bits makes good for too many parameters.
+int CPDFStream::MakeFacsimileCodec() {
+  const auto mark = objects_.source().GetMark();
+  const CPDFObject *value = dictionary_->Get("DecodeParms");
+  std::unique_ptr<CPDFDictionary> fetched;
+  int result = 0;
+  if (const auto *list = dynamic_cast<const CPDFArray *>(value)) {
+    result = list->Count() >= 2 ? 1 : 0;
+    value = result == 0 ? list->GetAt(0) : nullptr;
+  } else if (const auto *reference = dynamic_cast<const CPDFIndirectObject *>(value)) {
+    fetched = FetchDictionary(objects_, *reference);
+    value = fetched.get();
+  }
+  int32_t k = 0;
+  bool byteAligned = false;
+  if (const auto *parameters = dynamic_cast<const CPDFDictionary *>(value)) {
+    if (const auto *number = parameters->GetAs<CPDFNumeric>("Predictor")) predictor_ = number->intValue;
+    if (const auto *number = parameters->GetAs<CPDFNumeric>("Columns")) columns_ = number->intValue;
+    if (const auto *number = parameters->GetAs<CPDFNumeric>("K")) k = number->intValue;
+    if (const auto *flag = parameters->GetAs<CPDFBool>("EncodedByteAlign")) byteAligned = flag->value;
+  }
+  if (int32_t bits; result == 1 && ReadLength("BitsPerComponent", bits)) result = 0;
+  const bool back = objects_.source().Restore(mark);
+  if (k > 0 || !back) return 1;
+  const auto length = static_cast<uint32_t>(length_);
+  std::unique_ptr<CZVCCITT> codec;
+  if (k < 0)
+    codec = std::make_unique<CZVCCITT4>(*source_, length);
+  else if (byteAligned)
+    codec = std::make_unique<CZVCCITT3>(*source_, length);
+  else
+    codec = std::make_unique<CZVCCITT3Fax>(*source_, length);
+  if (byteAligned) codec->SetOptions(CZVCCITT::kRowsStartAtBytes);
+  if (columns_ > 0) codec->SetColumns(static_cast<uint32_t>(columns_));
+  codec_ = std::move(codec);
+  return result;
 }
 
 // A reference in place of the parameters is not followed.

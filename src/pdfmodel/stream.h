@@ -46,6 +46,7 @@ class CPDFStream final : public CPDFObject {
   bool ReadLength(const char *key, int32_t &value);
   int MakeCodec();
   int ReadFlateParameters();
+  int MakeFacsimileCodec();
   int SkipKeyword();
 
   ObjectLocator &objects_;
