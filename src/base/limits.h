@@ -19,8 +19,10 @@ inline constexpr int kPageTreeDepth = 256;                      // the walk ends
 inline constexpr size_t kPages = 1'000'000;                     // leaves of the page tree
 inline constexpr int kFormDepth = 500;                          // forms inside forms
 inline constexpr uint32_t kFormsPerPage = 1'000'000;            // forms entered on one page
-inline constexpr size_t kFormContent = size_t{2} << 30;          // content bytes of all forms entered on one page
+inline constexpr size_t kFormContent = size_t{2} << 30;         // content bytes of all forms entered on one page
 inline constexpr int kStripeDepth = 8;                          // containers of stripes
+inline constexpr uint32_t kStripes = 16'384;                    // of one container and those in it; more fail it
+inline constexpr uint64_t kStripesSeen = 100'000'000;           // by all that is drawn of containers on one page
 inline constexpr size_t kDecodedStream = size_t{512} << 20;     // bytes of one decoded stream
 inline constexpr size_t kPageContent = size_t{1} << 30;         // decoded bytes of all content streams of one page
 inline constexpr uint32_t kImageSide = 1'000'000;               // pixels
@@ -34,14 +36,14 @@ inline constexpr int64_t kRubbish = int64_t{64} << 20;          // bytes passed 
 inline constexpr int kJoinedStreams = 64;                       // streams that one statement may span
 inline constexpr size_t kObjectStreamCache = size_t{64} << 20;  // bytes of decoded object streams kept
 inline constexpr size_t kPaletteEntries = 256;
-inline constexpr size_t kCMapText = size_t{16} << 20;  // bytes of a CMap that are read
-inline constexpr size_t kCodeSpaces = 256;             // of a font; further ones are dropped
+inline constexpr size_t kCMapText = size_t{16} << 20;      // bytes of a CMap that are read
+inline constexpr size_t kCodeSpaces = 256;                 // of a font; further ones are dropped
 inline constexpr size_t kFontProgram = size_t{128} << 20;  // bytes of a program that FreeType is given
 inline constexpr int64_t kFontWidths = int64_t{1} << 20;   // widths that one font sets, the same code again included
 inline constexpr size_t kFontMemory = size_t{512} << 20;   // of the fonts in use at a time; further ones are not found
 inline constexpr size_t kFontCache = size_t{128} << 20;    // from here on, fonts that nobody uses are forgotten
-// Decoded bytes of all streams that a document's fonts read, and so many more for each byte of the file. Further streams
-// count as missing.
+// Decoded bytes of all streams that a document's fonts read, and so many more for each byte of the file. Further
+// streams count as missing.
 inline constexpr int64_t kFontStreams = int64_t{1} << 30;
 inline constexpr int64_t kFontStreamsPerByte = 64;
 

@@ -110,6 +110,7 @@ bool CPDFContentStream::LoadArrayInPlace(int32_t objectNumber) {
 bool CPDFContentStream::ReadStreamBytes(int32_t objectNumber, uint32_t index) {
   buffer_.Clear();
   length_ = position_ = noPlainBefore_ = 0;
+  noImageEnd[0] = noImageEnd[1] = SIZE_MAX;
   lineStart_ = kNoLine;
   uint8_t firstChar;
   if (!OpenObject(objects_, objectNumber, firstChar)) return false;

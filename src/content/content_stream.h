@@ -58,8 +58,12 @@ class CPDFContentStream {
   std::span<const uint8_t> content() const { return {buffer_.data(), length_}; }
   // Reading goes on there; nothing is kept of what was read before.
   void SetPosition(size_t position);
-  // The end of the text read last was not used and is read again.
-  void GiveBack(size_t count) { SetPosition(position_ - (count < position_ ? count : position_)); }
+  // Where a character of the text read last stands in the content; for one of a stream before this one, its start.
+  size_t PositionOf(const char *at) const;
+  // The end of the text read last is kept beside the place for statements, which other contents use meanwhile, and is
+  // put back to where it was. Null when there is none.
+  void KeepRest(const char *rest);
+  char *TakeRest();
 
   ObjectLocator &objects() const { return objects_; }
   // Of a form: whether it, or the form of one of the contexts around it, is that object; and how many are around it.
@@ -74,6 +78,8 @@ class CPDFContentStream {
   PageBox clipBox;                      // points, after the matrix
   PageResources resources;
   LineStyles lineStyles;
+  // No "EI" ends data that start there or further on: as they stand, and with backslashes.
+  size_t noImageEnd[2] = {SIZE_MAX, SIZE_MAX};
 
  private:
   static constexpr size_t kNoLine = SIZE_MAX;
@@ -105,6 +111,8 @@ class CPDFContentStream {
   size_t lineStart_ = kNoLine;           // of the line, as long as only plain statements were taken from it
   size_t noPlainBefore_ = 0;             // no plain statement starts ahead of this position
   ScanMode mode_ = ScanMode::kGraphics;  // of the text read last
+  size_t textStart_ = 0;                 // position of its first character in this stream,
+  size_t joinedAt_ = 0;                  // which follows so many of the stream before
   bool followsBytes_ = false;            // the text read last is that of the bytes before the position, less zeros
   size_t kept_ = 0;                      // characters of a statement that goes on behind the position
   size_t keptLength_ = 0;                // of them, those that are in the text read last
@@ -115,6 +123,8 @@ class CPDFContentStream {
   bool ended_ = false;
   bool diagnostics_ = false;
   std::shared_ptr<StatementBuffer> statement_;
+  std::string rest_;
+  size_t restAt_ = 0;  // in the place for statements
 };
 
 }  // namespace kapdf

@@ -17,6 +17,7 @@ class CPDFFormObject final : public CPDFXObject {
   // `page`: a content of the same page.
   bool Load(const CPDFContentStream &page);
 
+  bool tried() const { return tried_; }
   int32_t objectNumber() const { return objectNumber_; }
   // Of a form that was loaded.
   CPDFContentStream &content() const { return *content_; }

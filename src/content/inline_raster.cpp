@@ -183,10 +183,8 @@ void InlineImageReader::UseColorSpace(const ColorSpace &space) {
 // Parsed where it stands in the content, since strings in it may hold any byte. False leaves everything as it was.
 bool InlineImageReader::TakeColorSpaceArray(const char *value) {
   const auto content = context_.content();
-  const size_t length = std::strlen(value);
-  if (length > context_.position()) return false;
-  const size_t start = context_.position() - length;
-  if (content[start] != '[') return false;
+  const size_t start = context_.PositionOf(value);
+  if (start >= content.size() || content[start] != '[') return false;
   MemorySource source(content.subspan(start));
   CPDFArray array(source);
   ColorSpace space(context_.objects());
@@ -208,15 +206,18 @@ size_t InlineImageReader::RowBytes() const {
 // size, if "EI" stands there.
 size_t InlineImageReader::DataEnd(size_t from, bool escaped) const {
   const auto content = context_.content();
-  for (size_t at = from; at + 2 < content.size(); ++at) {
+  size_t &none = context_.noImageEnd[escaped];
+  for (size_t at = from; at < none && at + 2 < content.size(); ++at) {
     if (IsBlankOrLineEnd(content[at])) {
       if (content[at + 1] == 'E' && content[at + 2] == 'I') return at;
     } else if (escaped && content[at] == '\\' && (content[at + 1] == '\n' || content[at + 1] == '\r')) {
       ++at;
     }
   }
+  none = std::min(none, from);
+  const uint64_t left = content.size() - from;
   const uint64_t size = static_cast<uint64_t>(RowBytes()) * static_cast<uint64_t>(std::max(height_, 0));
-  if (filters_ == 0 && size + 2 <= content.size() - from && content[from + size] == 'E' &&
+  if (filters_ == 0 && size <= left && left - size >= 2 && content[from + size] == 'E' &&
       content[from + size + 1] == 'I') {
     return from + static_cast<size_t>(size);
   }
@@ -248,9 +249,8 @@ void InlineImageReader::TakeData(size_t position) {
 }
 
 // The codec of a combination of filters; none for any other one.
-bool InlineImageReader::MakeCodec(InlineRaster &image, RowLayout &layout) {
+bool InlineImageReader::MakeCodec(InlineRaster &image, uint32_t length, RowLayout &layout) {
   CZVBaseIO &io = *image.data;
-  const auto length = static_cast<uint32_t>(data_.size());
   const auto width = static_cast<uint32_t>(width_);
   const auto atLeast1 = [](int32_t value) { return static_cast<uint32_t>(std::max(value, 1)); };
   const SampleShape predicted = {atLeast1(columns_), atLeast1(colors_), atLeast1(predictorBits_)};
@@ -298,7 +298,8 @@ bool InlineImageReader::MakeCodec(InlineRaster &image, RowLayout &layout) {
     default:
       return false;
   }
-  const uint32_t columns = filters_ == kCcitt && columns_ > 0 ? static_cast<uint32_t>(columns_) : width;
+  const uint32_t told = std::min(static_cast<uint32_t>(std::max(columns_, 0)), limits::kImageSide);
+  const uint32_t columns = filters_ == kCcitt && told > 0 ? told : width;
   image.codec = MakeImageCodec(io, length, filter, {columns, components_, 8});
   image.codec->SetBitlineOutput(layout.runs && columns == width);
   layout.runs = layout.runs && columns == width;
@@ -341,9 +342,10 @@ std::unique_ptr<InlineRaster> InlineImageReader::Finish(const Affine &matrix) {
   image->description.height = static_cast<uint32_t>(height_);
   image->placement = PlaceInlineImage(matrix, image->description.width, image->description.height);
   image->description.dpi = image->placement.dpi;
+  const auto length = static_cast<uint32_t>(data_.size());
   image->data = std::make_unique<CZVMemoryFile>(std::move(data_));
   RowLayout layout;
-  if (!ChooseLayout(*image, layout) || !MakeCodec(*image, layout)) {
+  if (!ChooseLayout(*image, layout) || !MakeCodec(*image, length, layout)) {
     image->codec.reset();
     return image;
   }

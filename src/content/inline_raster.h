@@ -47,7 +47,7 @@ class InlineImageReader {
   void UseColorSpace(const ColorSpace &space);
   size_t RowBytes() const;
   size_t DataEnd(size_t from, bool escaped) const;
-  bool MakeCodec(InlineRaster &image, RowLayout &layout);
+  bool MakeCodec(InlineRaster &image, uint32_t length, RowLayout &layout);
   bool ChooseLayout(InlineRaster &image, RowLayout &layout) const;
 
   CPDFContentStream &context_;

@@ -180,6 +180,7 @@ class Interpreter {
   void StartTextRecord(TextPiece &piece);
 
   // XObjects.
+  bool LoadForm(CPDFFormObject &form);
   Flow EnterForm(CPDFFormObject &form);
   bool LeaveForm();
   Flow DrawRaster(CPDFRasterObject &raster, std::string_view name, bool fromRoot);
@@ -189,7 +190,6 @@ class Interpreter {
   double OpacityPercent() const;
 
   // Inline images.
-  void RereadBehindBeginImage();
   bool ReadImageDictionary(InlineImageReader &image);
 
   std::unique_ptr<FontCache> fonts_;
@@ -222,6 +222,7 @@ class Interpreter {
   CPDFRasterObject *raster_ = nullptr;     // prepared
   std::unique_ptr<InlineRaster> inlineRaster_;
   bool inlineWaiting_ = false;
+  bool inlinePrepared_ = false;  // the one that waits
   uint32_t inlineCount_ = 0;
   std::vector<uint32_t> row_;
   RasterKind rowKind_ = RasterKind::kInvalid;
@@ -231,6 +232,8 @@ class Interpreter {
 
   uint32_t formsEntered_ = 0;
   size_t formContent_ = 0;  // bytes of those
+  size_t formsLoaded_ = 0;  // bytes of all that are kept
+  uint64_t stripesSeen_ = 0;
 
   ElementRecord *record_ = nullptr;  // of the call under way
   RecordBlocks blocks_;

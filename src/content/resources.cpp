@@ -71,24 +71,26 @@ const ExtGState *PageResources::FindExtGState(std::string_view name) {
   return found == extGStates_.end() ? nullptr : &found->second;
 }
 
-// In a direct dictionary or one behind a reference. A space that is not known is left out.
-void PageResources::LoadColorSpaces() {
+// In a direct dictionary or one behind a reference.
+const CPDFDictionary *PageResources::ColorSpaces() {
+  if (colorSpacesRead_) return colorSpaceTable_;
   colorSpacesRead_ = true;
-  const CPDFDictionary *all = Dictionary();
-  std::unique_ptr<CPDFObject> fetched;
-  const auto *table =
-      all ? dynamic_cast<const CPDFDictionary *>(Follow(objects_, all->Get("ColorSpace"), fetched)) : nullptr;
-  if (!table) return;
-  for (const CPDFDictionary::Entry *entry : table->Sorted()) {
-    ColorSpace space(objects_);
-    if (space.Load(entry->value.get())) colorSpaces_.emplace(entry->name, std::move(space));
-  }
+  if (const CPDFDictionary *all = Dictionary())
+    colorSpaceTable_ = dynamic_cast<const CPDFDictionary *>(Follow(objects_, all->Get("ColorSpace"), ownColorSpaces_));
+  return colorSpaceTable_;
 }
 
+// A space that is not known is none.
 const ColorSpace *PageResources::FindColorSpace(std::string_view name) {
-  if (!colorSpacesRead_) LoadColorSpaces();
-  const auto found = colorSpaces_.find(std::string(name));
-  return found == colorSpaces_.end() ? nullptr : &found->second;
+  const CPDFDictionary *table = ColorSpaces();
+  const CPDFObject *value = table ? table->Get(name) : nullptr;
+  if (!value) return nullptr;
+  const auto [place, isNew] = colorSpaces_.try_emplace(std::string(name));
+  if (isNew) {
+    ColorSpace space(objects_);
+    if (space.Load(value)) place->second.emplace(std::move(space));
+  }
+  return place->second ? &*place->second : nullptr;
 }
 
 // Only entries behind references that have a `Name` are layers.
@@ -174,6 +176,7 @@ void PageResources::LoadXObjectsBehind(const CPDFIndirectObject &reference) {
   if (one) {
     container_ = std::move(container);
     container_->Prepare();  // a lone image has no name but the one that it gives itself
+    for (const auto &stripe : container_->stripes()) stripeNames_.insert(stripe->name);
     return;
   }
   for (auto &stripe : stripes) {
@@ -197,13 +200,9 @@ CPDFXObject *PageResources::Resolve(XObjectEntry &entry, const std::string &name
 
 CPDFXObject *PageResources::FindXObject(std::string_view name) {
   if (!xObjectsRead_) LoadXObjects();
-  if (container_) {
-    if (container_->givenName() == name) return container_.get();
-    for (const auto &stripe : container_->stripes()) {
-      if (stripe->name == name) return container_.get();
-    }
-  }
-  const auto found = xObjects_.find(std::string(name));
+  const std::string key(name);
+  if (container_ && (container_->givenName() == name || stripeNames_.contains(key))) return container_.get();
+  const auto found = xObjects_.find(key);
   return found == xObjects_.end() ? nullptr : Resolve(found->second, found->first);
 }
 
@@ -211,7 +210,16 @@ uint32_t PageResources::RasterCount() {
   if (rasterCount_) return *rasterCount_;
   if (!xObjectsRead_) LoadXObjects();
   uint32_t count = container_ ? 1 : 0;
-  for (auto &[name, entry] : xObjects_) count += dynamic_cast<CPDFRasterObject *>(Resolve(entry, name)) ? 1 : 0;
+  std::unordered_map<int32_t, bool> rasters;  // there may be more of them than should be kept
+  for (const auto &[name, entry] : xObjects_) {
+    if (entry.tried) {
+      count += dynamic_cast<CPDFRasterObject *>(entry.object.get()) ? 1 : 0;
+      continue;
+    }
+    const auto [place, isNew] = rasters.try_emplace(entry.objectNumber);
+    if (isNew) place->second = CPDFRasterObject(objects_, settings_.raster).Load(entry.objectNumber);
+    count += place->second ? 1 : 0;
+  }
   rasterCount_ = count;
   return count;
 }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "fonts/font_cache.h"
@@ -69,7 +70,7 @@ class PageResources {
   };
 
   const CPDFDictionary *Dictionary();
-  void LoadColorSpaces();
+  const CPDFDictionary *ColorSpaces();
   void LoadFonts();
   void LoadLayers();
   void LoadXObjects();
@@ -93,10 +94,13 @@ class PageResources {
   bool layersRead_ = false;
   std::unordered_map<std::string, LayerUse> layers_;
   bool colorSpacesRead_ = false;
-  std::unordered_map<std::string, ColorSpace> colorSpaces_;
+  const CPDFDictionary *colorSpaceTable_ = nullptr;
+  std::unique_ptr<CPDFObject> ownColorSpaces_;  // when it came through a reference
+  std::unordered_map<std::string, std::optional<ColorSpace>> colorSpaces_;
   bool xObjectsRead_ = false;
   std::unordered_map<std::string, XObjectEntry> xObjects_;
   std::unique_ptr<CPDFRasterObject> container_;  // an XObject table that is one image, or images that show as one
+  std::unordered_set<std::string> stripeNames_;  // of the container
   std::optional<uint32_t> rasterCount_;
 };
 

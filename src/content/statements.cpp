@@ -101,6 +101,8 @@ char *CPDFContentStream::ReadStatement(ScanMode mode) {
       saved = count;
       if (saved > 0 && saved < most) (*statement_)[count++] = ' ';
       if (joined > 0) followsBytes_ = false;
+      textStart_ = position_;
+      joinedAt_ = count;
     }
     const bool whole = ScanStatement(mode, saved > 0 ? count : 0, most, count);
     if (count >= most && !whole && mode == ScanMode::kGraphics) {
@@ -160,12 +162,42 @@ void CPDFContentStream::RejoinLine(const char *statement, size_t length, ScanMod
   // What would be read otherwise from its first character on is read again.
   if (!followsBytes_ || mode != mode_ || *first == 0 || *first == '\t' || *first == 'q' || *first == 'Q')
     return MoveBack(length);
+  textStart_ = PositionOf(first);
   kept_ = static_cast<size_t>(statement + length - first);
   if (first != statement_->data()) std::memmove(statement_->data(), first, kept_);
   keptBlanks_ = std::min(end - position_, kMost - kept_);
   std::memset(statement_->data() + kept_, ' ', keptBlanks_);
   position_ += keptBlanks_;
   noPlainBefore_ = position_ + 1;
+}
+
+// Bytes that the text leaves out lie between.
+size_t CPDFContentStream::PositionOf(const char *at) const {
+  const auto offset = static_cast<size_t>(at - statement_->data());
+  const uint8_t *data = buffer_.data();
+  size_t position = textStart_;
+  for (size_t i = joinedAt_; i < offset && position < length_; ++position) {
+    if (mode_ == ScanMode::kGraphics ? data[position] != 0
+                                     : !IsLineEnd(data[position]) || position == 0 || data[position - 1] != '\\') {
+      ++i;
+    } else if (mode_ != ScanMode::kGraphics && i > joinedAt_) {
+      --i;  // the backslash went with the line end
+    }
+  }
+  return position;
+}
+
+void CPDFContentStream::KeepRest(const char *rest) {
+  rest_ = rest;
+  restAt_ = static_cast<size_t>(rest - statement_->data());
+}
+
+char *CPDFContentStream::TakeRest() {
+  if (rest_.empty()) return nullptr;
+  char *rest = statement_->data() + restAt_;
+  std::memcpy(rest, rest_.c_str(), rest_.size() + 1);
+  rest_.clear();
+  return rest;
 }
 
 bool CPDFContentStream::ReadPlain(PlainStatement &statement) {

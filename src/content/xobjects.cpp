@@ -27,7 +27,7 @@ Flow Interpreter::PaintXObject(const Statement &statement) {
     CPDFXObject *found = context->resources.FindXObject(name);
     const bool fromRoot = context != context_;
     if (auto *form = dynamic_cast<CPDFFormObject *>(found)) {
-      if (form->Load(*page_)) return EnterForm(*form);
+      if (LoadForm(*form)) return EnterForm(*form);
     } else if (auto *raster = dynamic_cast<CPDFRasterObject *>(found)) {
       return raster->isContainer() ? DrawStripe(*raster, name) : DrawRaster(*raster, name, fromRoot);
     }
@@ -35,7 +35,15 @@ Flow Interpreter::PaintXObject(const Statement &statement) {
   }
 }
 
-// What is left of the statement is read again behind the form.
+// The contents of all forms that were loaded stay in memory.
+bool Interpreter::LoadForm(CPDFFormObject &form) {
+  if (form.tried()) return form.Load(*page_);
+  if (formsLoaded_ >= limits::kDecodedStream || !form.Load(*page_)) return false;
+  formsLoaded_ += form.content().content().size();
+  return true;
+}
+
+// What is left of the statement is read behind the form.
 Flow Interpreter::EnterForm(CPDFFormObject &form) {
   if (context_->IsActive(form.objectNumber()) || context_->Depth() >= limits::kFormDepth) return Flow::kNext;
   CPDFContentStream &content = form.content();
@@ -43,7 +51,7 @@ Flow Interpreter::EnterForm(CPDFFormObject &form) {
     return Flow::kNext;
   formContent_ += content.content().size();
   if (remainder_) {
-    context_->GiveBack(std::strlen(remainder_));
+    context_->KeepRest(remainder_);
     remainder_ = nullptr;
   }
   stack_.Push(state_);
@@ -64,6 +72,7 @@ bool Interpreter::LeaveForm() {
   context_->SetPosition(0);
   context_->parent = nullptr;
   context_ = around;
+  remainder_ = context_->TakeRest();
   stack_.Pop(state_);
   return true;
 }
@@ -111,6 +120,9 @@ Flow Interpreter::DrawSolid(const CPDFRasterObject &raster) {
   const double x1 = placed.x + width * c, y1 = placed.y + width * s;
   const double corners[] = {
       placed.x, placed.y, x1, y1, x1 - height * s, y1 + height * c, placed.x + height * s, placed.y + height * c};
+  for (const double corner : corners) {
+    if (!std::isfinite(corner)) return Flow::kNext;
+  }
   const uint32_t starts[] = {0, 4};
   const size_t bytes = sizeof(FilledPolygonPayload) + sizeof corners + sizeof starts;
   uint8_t *block = blocks_.polygon.Prepare(bytes);
@@ -130,6 +142,8 @@ Flow Interpreter::DrawSolid(const CPDFRasterObject &raster) {
 // The last stripe of a container announces all of them as one image, from the top one on.
 Flow Interpreter::DrawStripe(CPDFRasterObject &container, std::string_view name) {
   auto &stripes = container.stripes();
+  stripesSeen_ += stripes.size();
+  if (stripesSeen_ > limits::kStripesSeen) return Flow::kNext;
   bool complete = true;
   for (const auto &stripe : stripes) {
     if (stripe->name == name) {
@@ -154,11 +168,15 @@ Flow Interpreter::DrawStripe(CPDFRasterObject &container, std::string_view name)
 bool Interpreter::PrepareRaster(std::string &name, ImageDescription &description) {
   rowsDelivered_ = 0;
   raster_ = nullptr;
+  inlinePrepared_ = false;
   if (inlineWaiting_) {
     if (!inlineRaster_->codec) return false;
     const ImageDescription &told = inlineRaster_->description;
     description = {told.width, told.height, told.dpi, told.invert, told.kind, Copy(told.palette)};
     if (name.empty()) name = "Image";
+    inlineRaster_->data->Seek(0, SeekOrigin::kStart);
+    inlineRaster_->codec->reset();
+    inlinePrepared_ = true;
   } else {
     CPDFXObject *found = name.empty() ? announced_ : nullptr;
     for (CPDFContentStream *context = context_; context && !found; context = context->parent)
@@ -178,7 +196,7 @@ bool Interpreter::PrepareRaster(std::string &name, ImageDescription &description
 }
 
 uint32_t Interpreter::ReadRasterRow(uint8_t *&row, size_t &bytes) {
-  const bool fromInline = inlineWaiting_ && inlineRaster_->codec;
+  const bool fromInline = inlineWaiting_ && inlinePrepared_;
   if (!fromInline && !raster_) return FilterNotAvailable;
   if (rowsDelivered_ >= rasterHeight_) {
     if (raster_) raster_->Rewind();

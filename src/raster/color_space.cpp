@@ -10,7 +10,7 @@
 namespace kapdf {
 namespace {
 
-constexpr uint64_t kTintSamples = uint64_t{1} << 20;  // bytes of a sampled function that are read at most
+constexpr uint64_t kTintSamples = 4 * limits::kPaletteEntries;  // bytes of a sampled function; more fill no palette
 
 std::string NameOf(const CPDFObject *object) {
   const auto *name = dynamic_cast<const CPDFNameObject *>(object);
@@ -92,7 +92,7 @@ void ColorSpace::LoadIccBased(const CPDFObject *profile) {
   const auto dictionary = reference ? FetchDictionary(objects_, *reference) : nullptr;
   if (!dictionary) return;
   if (const CPDFObject *alternate = dictionary->Get("Alternate")) {
-    components_ = DeviceComponents(FollowName(objects_, alternate));
+    SetDevice(DeviceComponents(FollowName(objects_, alternate)));
   } else if (const auto *count = dictionary->GetAs<CPDFNumeric>("N")) {
     components_ = count->intValue;
     if (components_ == 1) SetDevice(kGrey);

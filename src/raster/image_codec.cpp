@@ -111,7 +111,8 @@ bool ImageCoding::ReadParameters(ObjectLocator &objects, const CPDFObject *param
 bool ImageCoding::Read(ObjectLocator &objects, const CPDFDictionary &dictionary, bool jbig2) {
   std::unique_ptr<CPDFObject> fetched;
   const CPDFObject *filters = Follow(objects, dictionary.Get("Filter"), fetched);
-  const CPDFObject *parameters = dictionary.Get("DecodeParms");
+  std::unique_ptr<CPDFObject> fetchedParameters;
+  const CPDFObject *parameters = Follow(objects, dictionary.Get("DecodeParms"), fetchedParameters);
   if (!dictionary.Get("Filter")) return true;
   const auto *list = dynamic_cast<const CPDFArray *>(filters);
   if (!list) return ReadFilter(NameOf(filters), jbig2) && ReadParameters(objects, parameters);
@@ -138,7 +139,6 @@ std::unique_ptr<CCompressionClass> MakeImageCodec(CZVBaseIO &io, uint32_t length
   const auto facsimile = [&](std::unique_ptr<CZVCCITT> codec) {
     codec->SetColumns(shape.columns);
     codec->SetBitlineOutput(true);
-    if (filter == ImageFilter::kCcitt3) codec->SetOptions(CZVCCITT::kRowsStartAtBytes);
     return codec;
   };
   switch (filter) {
@@ -175,20 +175,21 @@ std::unique_ptr<ImageSource> ImageSource::Open(ObjectLocator &objects, const Ima
   std::unique_ptr<ImageSource> opened(new ImageSource);
   auto data = std::make_unique<StreamData>(objects.source(), coding.dataStart);
   uint32_t length = coding.length;
-  if (coding.first == ImageCoding::First::kAscii85 || coding.first == ImageCoding::First::kFlate) {
+  const bool stored = coding.first == ImageCoding::First::kAscii85 || coding.first == ImageCoding::First::kFlate;
+  if (stored) {
     const bool flate = coding.first == ImageCoding::First::kFlate;
     const auto stage = MakeImageCodec(*data, length, flate ? ImageFilter::kFlate : ImageFilter::kAscii85, shape);
     UsePredictor(*stage, coding.firstPredictor, shape);
     auto store = CRasterFile::Create();
     if (!store) return nullptr;
     std::vector<uint8_t> piece(kFirstFilterPiece);
-    size_t stored = 0;
-    for (size_t got = piece.size(); got == piece.size() && stored < limits::kDecodedStream; stored += got) {
+    size_t size = 0;
+    for (size_t got = piece.size(); got == piece.size() && size < limits::kDecodedStream; size += got) {
       got = stage->Read(piece.data(), piece.size());
       if (store->Write(piece.data(), got) != got) return nullptr;
     }
     store->Seek(0, SeekOrigin::kStart);
-    length = static_cast<uint32_t>(stored);
+    length = static_cast<uint32_t>(size);
     opened->data_ = std::move(store);
   } else {
     opened->data_ = std::move(data);
@@ -196,8 +197,9 @@ std::unique_ptr<ImageSource> ImageSource::Open(ObjectLocator &objects, const Ima
   opened->codec_ = MakeImageCodec(*opened->data_, length, coding.filter, shape);
   UsePredictor(*opened->codec_, coding.predictor, shape);
   if (auto *lzw = dynamic_cast<CZVLzw *>(opened->codec_.get())) lzw->SetEarlyChange(coding.earlyChange);
-  if (auto *jbig2 = dynamic_cast<CZVJBig2 *>(opened->codec_.get());
-      jbig2 && coding.first == ImageCoding::First::kNone) {
+  if (auto *fax = dynamic_cast<CZVCCITT *>(opened->codec_.get()); fax && coding.bytesAligned)
+    fax->SetOptions(CZVCCITT::kRowsStartAtBytes);
+  if (auto *jbig2 = dynamic_cast<CZVJBig2 *>(opened->codec_.get()); jbig2 && !stored) {
     jbig2->SetGlobals(coding.globalsStart, coding.globalsLength);
   }
   return opened;

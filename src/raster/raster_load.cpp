@@ -15,18 +15,21 @@ bool CPDFRasterObject::Load(int32_t objectNumber, const LoadPath *above, bool is
   if (!OpenObject(objects_, objectNumber, firstChar)) return false;
   dictionary_ = std::make_unique<CPDFDictionary>(objects_.source());
   if (dictionary_->Parse(firstChar) != 0) return false;
-  const LoadPath path{objectNumber, above};
+  uint32_t stripes = 0;
+  const LoadPath path{objectNumber, above, above ? above->stripes : &stripes};
+  isMask_ = isMask;
   const auto *subtype = dictionary_->GetAs<CPDFNameObject>("Subtype");
   if (subtype && subtype->name == "Form") return false;
   if (const auto *mask = dictionary_->GetAs<CPDFBool>("ImageMask")) imageMask_ = mask->value;
-  const bool loaded = subtype && subtype->name == "Image" ? LoadImage(path, isMask) : LoadStripes(path);
+  const bool isImage = subtype && subtype->name == "Image";
+  const bool loaded = isImage ? LoadImage(path) : !isMask && LoadStripes(path);
   if (!loaded) dictionary_.reset();
   return loaded;
 }
 
-bool CPDFRasterObject::LoadImage(const LoadPath &path, bool isMask) {
+bool CPDFRasterObject::LoadImage(const LoadPath &path) {
   if (!FindData()) return false;
-  if (!isMask) LoadSoftMask(path);
+  if (!isMask_) LoadSoftMask(path);
   return true;
 }
 
@@ -74,11 +77,11 @@ bool CPDFRasterObject::LoadStripes(const LoadPath &path) {
     const auto *reference = dynamic_cast<const CPDFIndirectObject *>(entry->value.get());
     if (!reference) continue;
     auto stripe = std::make_unique<CPDFRasterObject>(objects_, settings_);
-    if (!stripe->Load(reference->objectNumber, &path) || !stripe->Prepare()) {
+    if (++*path.stripes > limits::kStripes || !stripe->Load(reference->objectNumber, &path) || !stripe->Prepare()) {
       good = false;
       break;
     }
-    height_ += stripe->height_;
+    height_ += stripe->height();
     stripe->name = entry->name;
     stripes_.push_back(std::move(stripe));
   }

@@ -51,9 +51,11 @@ class CPDFRasterObject final : public CPDFXObject {
   struct LoadPath {
     int32_t objectNumber;
     const LoadPath *above;
+    uint32_t *stripes;  // loaded so far
   };
   // Reads the dictionary, its masks' or, for a dictionary that is neither image nor form, its stripes'. False when it
   // is something else, perhaps a form, or cannot be read.
+  // A mask is an image, and has no mask of its own.
   bool Load(int32_t objectNumber, const LoadPath *above = nullptr, bool isMask = false);
 
   // Reads what the dictionary says of the samples. False when they cannot be delivered. A second call starts the rows
@@ -75,7 +77,9 @@ class CPDFRasterObject final : public CPDFXObject {
   bool isMask() const { return imageMask_; }
   bool isContainer() const { return !dictionary_ && !stripes_.empty(); }
   std::vector<std::unique_ptr<CPDFRasterObject>> &stripes() { return stripes_; }
-  uint32_t width() const { return width_; }
+  // Of the rows that are delivered.
+  uint32_t width() const { return mask_ ? mask_->width_ : turned_ ? height_ : width_; }
+  uint32_t height() const { return mask_ ? mask_->height_ : turned_ ? width_ : height_; }
   uint32_t matte() const { return matte_; }
 
   // Whether a small 1-bit image is all painted or all blank. Decodes it once.
@@ -88,7 +92,7 @@ class CPDFRasterObject final : public CPDFXObject {
   enum class Prepared { kNotYet, kFailed, kReady };
 
   // Loading.
-  bool LoadImage(const LoadPath &path, bool isMask);
+  bool LoadImage(const LoadPath &path);
   bool LoadStripes(const LoadPath &path);
   void LoadSoftMask(const LoadPath &path);
   bool FindData();
@@ -99,12 +103,12 @@ class CPDFRasterObject final : public CPDFXObject {
   bool ReadSize();
   bool ReadColorSpace();
   void ReadDecode();
-  bool ReadCoding();
+  bool UseCoding();
   bool ReadJpegHeader();
   void ReadMask();
   void ReadColorKey();
   void ChooseMaskedKind();
-  RasterKind KindOf(uint32_t bits) const;
+  RasterKind KindOfSamples() const;
   bool HidesNothing();
   uint32_t Integer(const char *key, uint32_t otherwise) const;
 
@@ -113,7 +117,7 @@ class CPDFRasterObject final : public CPDFXObject {
   size_t ReadPlainLine(uint8_t *row);
   size_t ReadStripeLine(uint8_t *row);
   size_t ReadTurnedLine(uint8_t *row);
-  size_t ReadMaskedLine(uint8_t *row);
+  size_t ReadMaskedLine(uint32_t line, uint8_t *row);
   void FetchImageRow(uint32_t line);
   SampleShape Shape() const;
 
@@ -134,6 +138,7 @@ class CPDFRasterObject final : public CPDFXObject {
   RasterKind kind_ = RasterKind::kInvalid;
   bool invert_ = false;
   bool imageMask_ = false;
+  bool isMask_ = false;  // of another image
   bool turned_ = false;  // one pixel wide: its column is delivered as a row
   uint32_t matte_ = 0;
   Affine matrix_;
@@ -141,8 +146,8 @@ class CPDFRasterObject final : public CPDFXObject {
 
   std::unique_ptr<ImageSource> opened_;
   std::unique_ptr<RowReader> reader_;
-  bool failed_ = false;  // the codec could not be opened: the rows are blank
-  uint32_t line_ = 0;
+  bool failed_ = false;     // the codec could not be opened: the rows are blank
+  uint32_t line_ = 0;       // the next one to deliver
   uint32_t imageLine_ = 0;  // of a masked image: rows of the image itself that were read
   size_t stripe_ = 0;
   std::vector<uint8_t> imageRow_, maskRow_;

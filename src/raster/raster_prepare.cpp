@@ -34,18 +34,19 @@ bool IsTwoColored(const Palette &palette) {
 
 bool CPDFRasterObject::Prepare() {
   Rewind();
+  if (!dictionary_) return PrepareContainer();
   if (prepared_ == Prepared::kNotYet) {
-    const bool ready = dictionary_ ? PrepareImage() : PrepareContainer();
-    prepared_ = ready ? Prepared::kReady : Prepared::kFailed;
+    prepared_ = PrepareImage() ? Prepared::kReady : Prepared::kFailed;
     SetMatrix(matrix_);
   }
   return prepared_ == Prepared::kReady;
 }
 
+// From the stripe that is the first one now: they are put in order as they are drawn.
 bool CPDFRasterObject::PrepareContainer() {
   if (height_ == 0 || stripes_.empty()) return false;
   const CPDFRasterObject &first = *stripes_.front();
-  width_ = first.width_;
+  width_ = first.width();
   kind_ = codedKind_ = first.kind_;
   bitsPerComponent_ = first.bitsPerComponent_;
   components_ = first.components_;
@@ -56,19 +57,22 @@ bool CPDFRasterObject::PrepareContainer() {
 
 bool CPDFRasterObject::PrepareImage() {
   if (const auto *own = dictionary_->GetAs<CPDFNameObject>("Name")) givenName_ = own->name;
-  if (!ReadSize() || !ReadColorSpace()) return false;
-  codedKind_ = KindOf(bitsPerComponent_ * components_);
+  if (!ReadSize() || !coding_.Read(objects_, *dictionary_, settings_.jbig2)) return false;
+  if (coding_.filter == ImageFilter::kJBig2 || (IsCcitt(coding_.filter) && !dictionary_->Get("BitsPerComponent")))
+    bitsPerComponent_ = 1;
+  if (!ReadColorSpace()) return false;
+  codedKind_ = KindOfSamples();
   ReadDecode();
-  if (!ReadCoding()) return false;
-  if (softMask_ && softMask_->bitsPerComponent_ == 1)
+  if (!UseCoding()) return false;
+  if (softMask_ && softMask_->kind_ == RasterKind::kBilevel)
     mask_ = std::move(softMask_);
-  else
+  else if (!isMask_)
     ReadMask();
   if (codedKind_ == RasterKind::kIndexed && !palette_) palette_ = DefaultPalette();
   if (codedKind_ == RasterKind::kBilevel) palette_.reset();
   if (codedKind_ == RasterKind::kInvalid) return false;
   ReadColorKey();
-  turned_ = width_ == 1 && !mask_;
+  turned_ = width_ == 1 && !mask_ && !isMask_;
   ChooseMaskedKind();
   return true;
 }
@@ -112,7 +116,8 @@ bool CPDFRasterObject::ReadColorSpace() {
 
 // 8-bit grey counts 2 components of 8 bits each. Grey of 2, 4 and 16 bits makes sums that stand for other images: it is
 // refused as they would come out wrong.
-RasterKind CPDFRasterObject::KindOf(uint32_t bits) const {
+RasterKind CPDFRasterObject::KindOfSamples() const {
+  const uint64_t bits = uint64_t{bitsPerComponent_} * components_;
   const bool grey = components_ == static_cast<uint32_t>(ColorSpace::kGrey);
   if (bits == 1) return RasterKind::kBilevel;
   if ((bits == 4 || bits == 8) && components_ == 1) return RasterKind::kIndexed;
@@ -137,21 +142,21 @@ void CPDFRasterObject::ReadDecode() {
   if (imageMask_) invert_ = !invert_;  // a mask paints where its samples are 0
 }
 
-bool CPDFRasterObject::ReadCoding() {
-  if (!coding_.Read(objects_, *dictionary_, settings_.jbig2)) return false;
-  if (IsCcitt(coding_.filter) && bitsPerComponent_ == 1 && !coding_.blackIs1) invert_ = !invert_;
+// Of facsimile data and JBIG2 the runs are the black pixels.
+bool CPDFRasterObject::UseCoding() {
+  if (IsCcitt(coding_.filter)) {
+    if (!coding_.blackIs1) invert_ = !invert_;
+    return codedKind_ == RasterKind::kBilevel;
+  }
   if (coding_.filter == ImageFilter::kJBig2) {
     invert_ = !invert_;
-    if (codedKind_ == RasterKind::kInvalid || !dictionary_->Get("BitsPerComponent")) {
-      bitsPerComponent_ = components_ = 1;
-      codedKind_ = RasterKind::kBilevel;
-    }
+    return codedKind_ == RasterKind::kBilevel;
   }
   if (coding_.filter == ImageFilter::kJp2) {  // the file has depths of its own, of which 8 bits are delivered
     if (!dictionary_->Get("ColorSpace")) components_ = 3;
     bitsPerComponent_ = 8;
     const bool bilevel = palette_ && IsTwoColored(*palette_);
-    codedKind_ = bilevel ? RasterKind::kBilevel : KindOf(bitsPerComponent_ * components_);
+    codedKind_ = bilevel ? RasterKind::kBilevel : KindOfSamples();
   }
   if (coding_.filter == ImageFilter::kDct) return ReadJpegHeader();
   return true;
@@ -163,7 +168,7 @@ bool CPDFRasterObject::ReadJpegHeader() {
   if (!codec || !codec->Open()) return false;
   bitsPerComponent_ = codec->bitsPerComponent();
   components_ = codec->components();
-  codedKind_ = KindOf(bitsPerComponent_ * components_);
+  codedKind_ = KindOfSamples();
   if (components_ == 1 && !palette_) palette_ = GreyRamp();
   return true;
 }
@@ -219,10 +224,9 @@ void CPDFRasterObject::ChooseMaskedKind() {
 
 ImageDescription CPDFRasterObject::Describe() const {
   ImageDescription description;
-  description.width = mask_ ? mask_->width_ : width_;
-  description.height = mask_ ? mask_->height_ : height_;
-  if (turned_) std::swap(description.width, description.height);
-  description.dpi = placement_.dpi;
+  description.width = width();
+  description.height = height();
+  description.dpi = isContainer() ? stripes_.front()->placement_.dpi : placement_.dpi;
   description.invert = invert_;
   description.kind = kind_;
   description.palette = Copy(palette_);
@@ -236,7 +240,8 @@ void CPDFRasterObject::SetMatrix(const Affine &matrix) {
   const uint32_t width = mask_ ? mask_->width_ : width_, height = mask_ ? mask_->height_ : height_;
   placement_ = PlaceImage(matrix, width, height);
   if (!turned_) return;
-  placement_.y += placement_.scaleY * height / placement_.dpi * 72.0;
+  const double y = placement_.y + placement_.scaleY * height / placement_.dpi * 72.0;
+  if (std::isfinite(y)) placement_.y = y;
   placement_.angle -= std::numbers::pi / 2;
 }
 
@@ -246,7 +251,8 @@ CPDFRasterObject::Solid CPDFRasterObject::TestSolid() {
   solid_ = Solid::kNo;
   if (!dictionary_ || !dictionary_->Get("Width") || !dictionary_->Get("Height")) return solid_;
   if (Integer("BitsPerComponent", 0) != 1 || Integer("Width", 0) >= kSolidWidth ||
-      Integer("Height", 0) >= kSolidHeight || !Prepare() || kind_ != RasterKind::kBilevel) {
+      Integer("Height", 0) >= kSolidHeight || !Prepare() || kind_ != RasterKind::kBilevel ||
+      coding_.filter == ImageFilter::kJp2) {
     return solid_;
   }
   const ImageDescription description = Describe();

@@ -3,10 +3,20 @@
 #include <cmath>
 #include <cstring>
 
+#include "io/codec_dct.h"
+#include "io/codec_jbig2.h"
 #include "io/codec_jp2.h"
 #include "raster/raster_object.h"
 
 namespace kapdf {
+namespace {
+
+size_t BlankLine(uint8_t *row, uint32_t width, RasterKind kind) {
+  std::memset(row, 0, CPDFRasterObject::RowBytes(width));
+  return kind == RasterKind::kBilevel ? sizeof(uint32_t) : size_t{width} * RowLayout{.kind = kind}.PixelBytes();
+}
+
+}  // namespace
 
 void CPDFRasterObject::Rewind() {
   opened_.reset();
@@ -30,40 +40,50 @@ bool CPDFRasterObject::OpenRows() {
   const SampleShape shape = Shape();
   opened_ = ImageSource::Open(objects_, coding_, shape);
   RowLayout layout{width_, codedKind_, shape.bitsPerComponent, shape.colors, 0, IsCcitt(coding_.filter)};
-  if (auto *codec = opened_ ? dynamic_cast<CZVJP2000 *>(&opened_->codec()) : nullptr) {
-    codec->SetIndexed(codedKind_ == RasterKind::kIndexed || codedKind_ == RasterKind::kBilevel);
-    codec->SetColorBands(dictionary_->Get("ColorSpace") ? shape.colors : 0);
-    if (!codec->Open()) opened_.reset();
-    layout.components = codec->components();
-    layout.codedWidth = codec->width();
+  CCompressionClass *codec = opened_ ? &opened_->codec() : nullptr;
+  failed_ = !codec;
+  if (auto *jp2 = dynamic_cast<CZVJP2000 *>(codec)) {
+    jp2->SetIndexed(codedKind_ == RasterKind::kIndexed || codedKind_ == RasterKind::kBilevel);
+    jp2->SetColorBands(dictionary_->Get("ColorSpace") ? shape.colors : 0);
+    failed_ = !jp2->Open();
+    layout.components = jp2->components();
+    layout.codedWidth = jp2->width();
+  } else if (auto *dct = dynamic_cast<CZVDCT *>(codec)) {
+    failed_ = !dct->Open();
+    layout.codedWidth = dct->width();
+  } else if (auto *jbig2 = dynamic_cast<CZVJBig2 *>(codec)) {
+    failed_ = !jbig2->Open();
+    layout.codedWidth = jbig2->width();
   }
-  failed_ = !opened_;
-  if (opened_) reader_ = std::make_unique<RowReader>(layout);
+  if (failed_)
+    opened_.reset();
+  else
+    reader_ = std::make_unique<RowReader>(layout);
   return !failed_;
 }
 
 size_t CPDFRasterObject::ReadLine(uint8_t *row) {
+  const uint32_t line = line_++;
   if (!dictionary_) return ReadStripeLine(row);
-  if (mask_) return ReadMaskedLine(row);
+  if (mask_) return ReadMaskedLine(line, row);
   return turned_ ? ReadTurnedLine(row) : ReadPlainLine(row);
 }
 
 size_t CPDFRasterObject::ReadPlainLine(uint8_t *row) {
-  ++line_;
-  if (OpenRows()) return reader_->Read(opened_->codec(), row);
-  std::memset(row, 0, RowBytes(width_));
-  return codedKind_ == RasterKind::kBilevel ? sizeof(uint32_t) : width_ * RowLayout{.kind = codedKind_}.PixelBytes();
+  return OpenRows() ? reader_->Read(opened_->codec(), row) : BlankLine(row, width_, codedKind_);
 }
 
-// Rows of the stripes one after the other; each is read as if it stood alone.
+// Rows of the stripes one after the other; each is read as if it stood alone. Those of a stripe that is not like the
+// first one are blank.
 size_t CPDFRasterObject::ReadStripeLine(uint8_t *row) {
-  while (stripe_ < stripes_.size() && stripes_[stripe_]->line_ >= stripes_[stripe_]->Describe().height) {
+  while (stripe_ < stripes_.size() && stripes_[stripe_]->line_ >= stripes_[stripe_]->height()) {
     stripes_[stripe_++]->Rewind();
   }
-  ++line_;
-  if (stripe_ < stripes_.size()) return stripes_[stripe_]->ReadLine(row);
-  RunList(row).Clear();
-  return sizeof(uint32_t);
+  if (stripe_ == stripes_.size()) return BlankLine(row, width_, kind_);
+  CPDFRasterObject &stripe = *stripes_[stripe_];
+  if (stripe.width() == width_ && stripe.kind_ == kind_) return stripe.ReadLine(row);
+  ++stripe.line_;
+  return BlankLine(row, width_, kind_);
 }
 
 // The column of an image that is one pixel wide.
@@ -99,8 +119,7 @@ void CPDFRasterObject::FetchImageRow(uint32_t line) {
   }
 }
 
-size_t CPDFRasterObject::ReadMaskedLine(uint8_t *row) {
-  const uint32_t maskLine = mask_->line_;
+size_t CPDFRasterObject::ReadMaskedLine(uint32_t line, uint8_t *row) {
   if (kind_ == RasterKind::kBilevel) return mask_->ReadLine(row);
   if (maskRow_.empty()) {
     maskRow_.resize(RowBytes(mask_->width_));
@@ -109,7 +128,7 @@ size_t CPDFRasterObject::ReadMaskedLine(uint8_t *row) {
   RunList hidden(maskRow_.data());
   mask_->ReadLine(maskRow_.data());
   if (mask_->invert_ != mask_->imageMask_) hidden.Invert(mask_->width_);
-  FetchImageRow(maskLine);
+  FetchImageRow(line);
   const uint32_t width = mask_->width_;
   const double ratio = static_cast<double>(width) / width_;
   const auto from = [&](uint32_t x) { return std::min(static_cast<uint32_t>(x / ratio), width_ - 1); };
