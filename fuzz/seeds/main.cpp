@@ -28,7 +28,7 @@ int main(int argc, char **argv) {
   }
   SeedFolder import(argv[1], "import"), objects(argv[1], "objects"), content(argv[1], "content"),
       exports(argv[1], "export"), codecs(argv[1], "codecs"), images(argv[1], "images"), faxes(argv[1], "ccitt"),
-      cmaps(argv[1], "cmap"), bombs(argv[1], "bombs");
+      cmaps(argv[1], "cmap"), fonts(argv[1], "font"), bombs(argv[1], "bombs");
   AddDocuments(import);
   AddObjects(objects);
   AddContents(content);
@@ -37,6 +37,7 @@ int main(int argc, char **argv) {
   AddImages(images);
   AddFaxes(faxes);
   AddCMaps(cmaps);
+  AddFonts(fonts);
   AddBombs(bombs);
   return 0;
 }

@@ -27,6 +27,7 @@ void AddCodecs(SeedFolder &folder);
 void AddImages(SeedFolder &folder);
 void AddFaxes(SeedFolder &folder);
 void AddCMaps(SeedFolder &folder);
+void AddFonts(SeedFolder &folder);
 
 // Statements of every group of operators.
 std::string_view SampleContent();
