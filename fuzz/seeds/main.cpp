@@ -28,7 +28,7 @@ int main(int argc, char **argv) {
   }
   SeedFolder import(argv[1], "import"), objects(argv[1], "objects"), content(argv[1], "content"),
       exports(argv[1], "export"), codecs(argv[1], "codecs"), images(argv[1], "images"), faxes(argv[1], "ccitt"),
-      cmaps(argv[1], "cmap"), fonts(argv[1], "font"), bombs(argv[1], "bombs");
+      rasters(argv[1], "raster"), cmaps(argv[1], "cmap"), fonts(argv[1], "font"), bombs(argv[1], "bombs");
   AddDocuments(import);
   AddObjects(objects);
   AddContents(content);
@@ -36,6 +36,7 @@ int main(int argc, char **argv) {
   AddCodecs(codecs);
   AddImages(images);
   AddFaxes(faxes);
+  AddRasters(rasters);
   AddCMaps(cmaps);
   AddFonts(fonts);
   AddBombs(bombs);

@@ -26,6 +26,7 @@ void AddDrawings(SeedFolder &folder);
 void AddCodecs(SeedFolder &folder);
 void AddImages(SeedFolder &folder);
 void AddFaxes(SeedFolder &folder);
+void AddRasters(SeedFolder &folder);
 void AddCMaps(SeedFolder &folder);
 void AddFonts(SeedFolder &folder);
 

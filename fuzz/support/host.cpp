@@ -71,6 +71,12 @@ void LookAtPolygon(const ElementRecord &record) {
   Require(before == vertices, "end of the contours");
 }
 
+void LookAtPlacement(const ElementRecord &record) {
+  const auto raster = PayloadOf<RasterPlacementPayload>(record);
+  const double values[] = {raster.x, raster.y, raster.angle, raster.scaleX, raster.scaleY, raster.opacity};
+  RequireFinite(values, std::size(values));
+}
+
 void LookAtLineType(const ElementRecord &record) {
   const auto type = PayloadOf<LineTypeDefPayload>(record);
   RequireText(type.name, 256);
@@ -103,6 +109,9 @@ void LookAt(const ElementRecord &record) {
     case ElemFilledPolygon:
       LookAtPolygon(record);
       break;
+    case ElemRasterPlacement:
+      LookAtPlacement(record);
+      break;
     case ElemLine:
       RequireFinite<LinePayload>(record);
       break;
@@ -129,8 +138,55 @@ struct Sink {
   ProgressObject object{&table};
 };
 
+constexpr uint32_t kMostRows = 4000;
+constexpr size_t kMostRowBytes = size_t{64} << 20;
+
+// What is left to ask for on a page.
+struct RowsLeft {
+  uint32_t rows = kMostRows, rasters = 200;
+  size_t bytes = kMostRowBytes;
+};
+
+void LookAtRow(const ElementRecord &record, const RasterHeaderPayload &header) {
+  const auto *row = static_cast<const uint8_t *>(record.payload);
+  for (size_t i = 0; i < record.payloadBytes; ++i) seen = seen + row[i];
+  if (header.pixelType != 0) return Require(record.payloadBytes >= size_t{4} * header.width + 12, "bytes of a row");
+  const auto count = LoadAs<uint32_t>(row);
+  Require(record.payloadBytes == size_t{8} * count + 4, "bytes of a run list");
+  uint32_t next = 0;
+  for (uint32_t i = 0; i < count; ++i) {
+    const auto first = LoadAs<uint32_t>(row + 4 + 8 * i), last = LoadAs<uint32_t>(row + 8 + 8 * i);
+    Require(first >= next && first <= last && last < header.width, "runs");
+    next = last + 1;
+  }
+}
+
+// The rows of a raster, which is asked for by its name or by none.
+void TakeRaster(CPDFFilter &filter, ElementRecord record, RowsLeft &left) {
+  if (--left.rasters % 2) record.styleName[0] = 0;
+  record.kind = ElemRasterHeader;
+  uint32_t result = filter.ReadElement(&record);
+  Require(result == FilterOk || result == FilterNotAvailable, "result of a header");
+  if (result != FilterOk) return;
+  RequireText(record.styleName, 256);
+  const auto header = PayloadOf<RasterHeaderPayload>(record);
+  Require(header.width > 0 && header.height > 0 && header.dpi > 0 && header.depthHint <= 1, "header");
+  Require(header.pixelType <= 5 && header.pixelType != 3, "pixel type");
+  for (size_t i = 0; header.palette && i < 1028; ++i) seen = seen + static_cast<const uint8_t *>(header.palette)[i];
+  uint32_t row = 0;
+  for (; left.rows > 0 && left.bytes > 0; ++row, --left.rows) {
+    record.kind = ElemRasterRows;
+    result = filter.ReadElement(&record);
+    if (result != FilterOk) break;
+    LookAtRow(record, header);
+    left.bytes -= std::min<size_t>(left.bytes, size_t{4} * header.width);
+  }
+  Require(result == FilterOk || (result == FilterNoMoreRows && row == header.height), "end of the rows");
+}
+
 void TakePage(CPDFFilter &filter) {
   Sink sink;
+  RowsLeft left;
   for (;;) {
     ElementRecord record{};
     record.progress = &sink.object;
@@ -138,6 +194,7 @@ void TakePage(CPDFFilter &filter) {
     if (result == FilterEndOfElements) break;
     Require(result == FilterOk, "result of ReadElement");
     for (const ElementRecord *one = &record; one; one = one->next) LookAt(*one);
+    if (record.kind == ElemRasterPlacement && left.rasters > 0) TakeRaster(filter, record, left);
   }
   ElementRecord record{};
   Require(filter.ReadElement(&record) == FilterEndOfElements, "the end stays");

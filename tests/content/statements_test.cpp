@@ -112,20 +112,5 @@ TEST(Statements, HostileContentTakesTimeByItsLength) {
   }
 }
 
-TEST(Statements, InlineImagesArePassedOver) {
-  const std::string tail = "\n0 0 m 10 10 l S", line = "line 256 w1 0,0 10,10";
-  const std::string images[] = {
-      "BI /W 4 /H 4 /BPC 8 /CS /G ID 0123456789abcdef EI",
-      "BI\n/W 4\n/H 4\nID\n0 0 m 5 5 l S\nEI",
-      "BI\n/W 4\n/H 4\nID 0 0 m 5 5 l S q Q\nEI",
-      "BI\r/F [/A85 /Fl] /CS [/Indexed /RGB 1\r<000000FFFFFF>] \r/D[1 0]/I true\rID\r\r\nxx EI",
-      "BI /DP <</K -1\n/Columns 4>>\n/W 1 ID\n(\\\n EI",
-      "BI /IM true ID EI",
-      "BI /CS /RGB EI",  // no data
-  };
-  for (const std::string &image : images) EXPECT_EQ(Drawn(image + tail), line) << image;
-  EXPECT_EQ(Drawn("0 0 m 10 10 l S BI /W 4 ID " + Repeated("S", 20'000)), line);  // without an end
-}
-
 }  // namespace
 }  // namespace kapdf::test

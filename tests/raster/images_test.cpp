@@ -1,0 +1,221 @@
+// Image XObjects as a host gets them: their description and all rows.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "io/codec_dct.h"
+#include "io/memory_file.h"
+#include "raster/raster_object.h"
+#include "support/opened_pdf.h"
+#include "support/pdf_builder.h"
+
+namespace kapdf::test {
+namespace {
+
+using namespace std::string_literals;
+
+// "WxH kind", "inverted", "p" with the palette's entry 1 and "x" with the entries that are not painted; then the rows:
+// runs, or bytes as they stand where these are letters and in hexadecimal elsewhere.
+std::string Show(CPDFRasterObject &raster) {
+  const ImageDescription told = raster.Describe();
+  std::string text = std::to_string(told.width) + "x" + std::to_string(told.height) + " k" +
+                     std::to_string(static_cast<int>(told.kind)) + (told.invert ? " inverted" : "");
+  char hex[16];
+  if (told.palette) {
+    const Palette::Entry &e = told.palette->entries[1];
+    std::snprintf(hex, sizeof hex, " p%02X%02X%02X", e.red, e.green, e.blue);
+    text += hex;
+    for (int i = 0; i < 256; ++i) {
+      if (told.palette->entries[i].flags == Palette::kTransparent) text += " x" + std::to_string(i);
+    }
+  }
+  std::vector<uint32_t> row(CPDFRasterObject::RowBytes(told.width) / 4, 0xEEEEEEEE);
+  auto *bytes = reinterpret_cast<uint8_t *>(row.data());
+  for (uint32_t y = 0; y < told.height; ++y) {
+    const size_t used = raster.ReadLine(bytes);
+    text += " |";
+    if (told.kind == RasterKind::kBilevel) {
+      EXPECT_EQ(used, RunList(bytes).bytes());
+      for (const Run &run : RunList(bytes).runs())
+        text += " " + std::to_string(run.first) + "-" + std::to_string(run.last);
+      continue;
+    }
+    EXPECT_EQ(used % told.width, 0u);
+    text += " ";
+    for (size_t i = 0; i < used; ++i) {
+      std::snprintf(hex, sizeof hex, std::isalnum(bytes[i]) ? "%c" : "%02X", bytes[i]);
+      text += hex;
+    }
+  }
+  return text;
+}
+
+std::string Jpeg(uint32_t width, uint32_t height, uint32_t components) {
+  CZVMemoryFileFlat sink;
+  CZVDCT encoder(sink, 0, 8 * components, width, 2, 100);
+  encoder.SetHeight(height);
+  for (uint32_t i = 0; i < width * height * components; ++i) encoder.putByte('a');
+  encoder.flush();
+  return {sink.bytes().begin(), sink.bytes().end()};
+}
+
+// Image 10 beside others that it may refer to. "no" when it cannot be prepared.
+std::string Shown(const std::string &entries, const std::string &data, bool jbig2 = true) {
+  const std::string image = "/Subtype /Image ", fourByTwo = "/Width 4 /Height 2 ";
+  OpenedPdf pdf(
+      PagesOf({""})
+          .Stream(10, image + entries, data)
+          .Object(11, "[/Indexed /DeviceRGB 3 (abcdefghijkl)]")
+          .Stream(20, image + fourByTwo + "/ImageMask true /BitsPerComponent 1", "\xF0\xF0")
+          .Stream(21, image + fourByTwo + "/ImageMask true /BitsPerComponent 1 /Mask 21 0 R", "\x50\xF0")
+          .Stream(22, image + "/Width 8 /Height 4 /ImageMask true /BitsPerComponent 1", "\x0F\0\0\xFF"s)
+          .Stream(23, image + "/Width 2 /Height 1 /ImageMask true /BitsPerComponent 1", "\x40")
+          .Stream(24, image + fourByTwo + "/ColorSpace /DeviceGray /BitsPerComponent 1 /SMask 24 0 R", "\x50\xF0")
+          .Stream(25, image + fourByTwo + "/ColorSpace /DeviceGray /BitsPerComponent 8", "\0\1\2\3\0\1\2\3"s)
+          .Stream(26, image + "/Width 1 /Height 4 /ImageMask true /BitsPerComponent 1", "\x80\0\x80\0"s)
+          .Object(30, "<</Predictor 2>>")
+          .Object(31, "/ASCIIHexDecode")
+          .Object(32, "[<<>> 30 0 R]")
+          .Object(33, "<</A 20 0 R /B 34 0 R>>")
+          .Object(34, "<</C 21 0 R /D 33 0 R>>")
+          .Object(35, "<</A 20 0 R /B 36 0 R>>")
+          .Object(36, "<</C 26 0 R /D 25 0 R /E 22 0 R /F 21 0 R>>")
+          .Build());
+  CPDFRasterObject raster(pdf.file.objects(), {.jbig2 = jbig2});
+  const int number = entries.empty() ? std::stoi(data) : 10;
+  if (!raster.Load(number) || !raster.Prepare()) return "no";
+  const std::string first = Show(raster);
+  EXPECT_TRUE(raster.Prepare() && Show(raster) == first) << "a second time";
+  return first;
+}
+
+struct Case {
+  std::string entries, data, expected;
+};
+
+void Check(const std::string &size, const std::vector<Case> &cases) {
+  for (const Case &c : cases) EXPECT_EQ(Shown(size + c.entries, c.data), c.expected) << c.entries;
+}
+
+TEST(Image, KindAndPolarityFollowFromTheDictionary) {
+  const std::string bits = "\xA0\x60", runs = " | 0-0 2-2 | 1-2", one = "/BitsPerComponent 1 ";
+  Check(
+      "/Width 4 /Height 2 ",
+      {{one, bits, "4x2 k0" + runs},
+       {one + "/ColorSpace /DeviceGray", bits, "4x2 k0 inverted" + runs},
+       {one + "/ColorSpace /DeviceGray /Decode [1 0]", bits, "4x2 k0" + runs},
+       {one + "/Decode [1.0 0.0]", bits, "4x2 k0 inverted" + runs},
+       {"/ImageMask true", bits, "4x2 k0 inverted" + runs},
+       {"/ImageMask true /Decode [1 0]", bits, "4x2 k0" + runs},
+       {one + "/ImageMask false /Decode [1 0]", bits, "4x2 k0 inverted" + runs},
+       {one + "/ColorSpace [/Indexed /DeviceGray 1 <00FF>]", bits, "4x2 k0" + runs},
+       {one + "/ColorSpace [/Indexed /DeviceGray 1 <FF00>]", bits, "4x2 k0 inverted" + runs},
+       {one + "/ColorSpace [/Lab]", bits, "4x2 k0" + runs},
+       {one + "/ColorSpace [/ICCBased 99 0 R]", bits, "no"},
+       {one + "/ColorSpace /DeviceRGB", bits, "no"},
+       {one + "/Filter /Fl", Deflate("\xA0"), "4x2 k0 | 0-0 2-2 |"},  // short of data
+       {"/BitsPerComponent 8 /ColorSpace /DeviceGray", "abcdABCD", "4x2 k1 p010101 | abcd | ABCD"},
+       {"/BitsPerComponent 8 /Filter /Fl", Deflate("abcdAB"), "4x2 k2 p800000 | abcd | AB0000"},
+       {"/BitsPerComponent 4 /ColorSpace 11 0 R /Mask [1 2]", "\x01\x23\x32\x10",
+        "4x2 k2 p646566 x1 x2 | 00010203 | 03020100"},
+       {"/BitsPerComponent 8 /ColorSpace 11 0 R /Mask [3 900]", "abcdABCD", "4x2 k2 p646566 x3 | abcd | ABCD"},
+       {"/BitsPerComponent 8 /ColorSpace 11 0 R /Mask [2 1]", "abcdABCD", "4x2 k2 p646566 | abcd | ABCD"},
+       {"/BitsPerComponent 8 /ColorSpace /DeviceRGB", "abcdefghijklABCDEFGHIJKL",
+        "4x2 k4 | abcdefghijkl | ABCDEFGHIJKL"},
+       {"/BitsPerComponent 8 /ColorSpace /DeviceCMYK /Filter /Fl", Deflate("\0\0\0\xFF\xFF\0\0\0\x80\0\0\x80\0\0\0\0"s),
+        "4x2 k4 | 00000000FFFF3F7F7FFFFFFF | FFFFFFFFFFFFFFFFFFFFFFFF"},
+       {"/BitsPerComponent 2 /ColorSpace /DeviceGray", "abcd", "no"},
+       {"/BitsPerComponent 16 /ColorSpace /DeviceGray", "abcd", "no"},
+       {"/BitsPerComponent 8 /ColorSpace [/ICCBased 10 0 R] /N 536870915", "abcd", "no"}});
+  Check("/BitsPerComponent 8 ", {{"/Width 0 /Height 2", "a", "no"}, {"/Width 2 /Height 1000001", "a", "no"}});
+}
+
+TEST(Image, FiltersAreChosenByName) {
+  const std::string eight = "/BitsPerComponent 8 ", plain = "4x2 k2 p800000 | abcd | ABCD";
+  const std::string fax = "\x26\xA0\x10\x01"s, faxRuns = " | | ";  // two white rows and the end
+  Check("/Width 4 /Height 2 ",
+        {{eight + "/Filter /FlateDecode", Deflate("abcdABCD"), plain},
+         {eight + "/Filter [/Fl] /DecodeParms [<</Predictor 2>>]", Deflate("a\1\1\1A\1\1\1"), plain},
+         {eight + "/Filter /Fl /DecodeParms 30 0 R", Deflate("a\1\1\1A\1\1\1"), plain},
+         {eight + "/Filter /A85", "@:E_W5sdq,~>", plain},
+         {eight + "/Filter [/ASCII85Decode /Fl]", "GhPea8ksAJEcqH`%%%*]~>", plain},
+         {eight + "/Filter [/FlateDecode /A85]", Deflate("@:E_W5sdq,~>"), plain},
+         {eight + "/Filter [/Fl /Fl] /DecodeParms 32 0 R", Deflate(Deflate("a\1\1\1A\1\1\1")), plain},
+         {eight + "/Filter [/LZWDecode /Fl]", Deflate("abcdABCD"), plain},  // the first one is skipped
+         {eight + "/Filter /RunLengthDecode", "\7abcdABCD\x80", plain},
+         {eight + "/Filter /RL", "\7abcdABCD\x80", "no"},
+         {eight + "/Filter 31 0 R", "61", "no"},
+         {eight + "/Filter [/Fl /Fl /Fl]", Deflate("abcd"), "no"},
+         {eight + "/Filter []", "abcdABCD", "no"},
+         {"/Filter /CCITTFaxDecode /DecodeParms <</K -1>>", "\xC0\x01\0\x10"s, "4x2 k0 inverted | |"},
+         {"/Filter /CCF /DecodeParms <</K -1 /BlackIs1 true /EncodedByteAlign true>>", "\x80\x80\0\x10\x01"s,
+          "4x2 k0 | |"},
+         {"/Filter /CCF /DecodeParms <</K 4>>", fax, "no"},
+         {"/Filter /CCF /DecodeParms [<</K -1>> <<>>]", fax, "no"},
+         {eight + "/Filter /CCF /DecodeParms <</K -1>>", fax, "no"},
+         {"/Filter /JBIG2Decode", "damaged", "4x2 k0 inverted | |"},
+         {eight + "/Filter /JPXDecode", "damaged", "4x2 k4 | 000000000000000000000000 | 000000000000000000000000"},
+         {"/Filter /DCTDecode /ColorSpace /DeviceGray", Jpeg(4, 2, 1), "4x2 k2 p010101 | aaaa | aaaa"},
+         {"/Filter /DCT", Jpeg(5, 1, 3), "4x2 k4 | aaaaaaaaaaaa | 000000000000000000000000"},  // wider than told
+         {"/Filter [/A85 /DCT]", "damaged", "no"}});
+  EXPECT_EQ(Shown("/Width 4 /Height 2 /Filter /JBIG2Decode", "damaged", false), "no");
+}
+
+TEST(Image, MasksChangeTheKind) {
+  const std::string rgb = "/Width 4 /Height 2 /BitsPerComponent 8 /ColorSpace /DeviceRGB ",
+                    pixels = "abcdefghijklABCDEFGHIJKL";
+  const std::string gray = "/Width 4 /Height 2 /BitsPerComponent 8 /ColorSpace /DeviceGray ", two = gray + "/Width 4 ";
+  const std::string narrow = "/Width 1 /Height 3 ", plain = "4x2 k4 | abcdefghijkl | ABCDEFGHIJKL";
+  const std::string masked = "4x2 k5 | abc00defFFghi00jklFF | ABCFFDEFFFGHIFFJKLFF";
+  Check("", {{rgb + "/Mask 20 0 R", pixels, plain},  // hides nothing
+             {rgb + "/Mask 99 0 R", pixels, plain},
+             {rgb + "/Mask 10 0 R", pixels, plain},
+             {rgb + "/Mask 35 0 R", pixels, plain},
+             {rgb + "/Mask 21 0 R", pixels, masked},
+             {rgb + "/SMask 24 0 R", pixels, "4x2 k5 | abcFFdef00ghiFFjkl00 | ABC00DEF00GHI00JKL00"},
+             {rgb + "/SMask 25 0 R", pixels, plain},  // of 8 bits: not used
+             {rgb + "/Mask 22 0 R", pixels,
+              "8x4 k5 | abc00abc00def00def00ghiFFghiFFjklFFjklFF | abc00abc00def00def00ghi00ghi00jkl00jkl00"
+              " | ABC00ABC00DEF00DEF00GHI00GHI00JKL00JKL00 | ABCFFABCFFDEFFFDEFFFGHIFFGHIFFJKLFFJKLFF"},
+             {rgb + "/Mask 23 0 R", pixels, "2x1 k5 | abc00ghiFF"},
+             {gray + "/Mask 21 0 R", "abcdABCD", "4x2 k2 p010101 x255 | aFFcFF | FFFFFFFF"},
+             {"/Width 4 /Height 2 /BitsPerComponent 1 /Mask 21 0 R", "\xFF\xFF", "4x2 k0 | 1-1 3-3 | 0-3"},
+             {rgb + "/Mask 26 0 R", pixels, "1x4 k5 | abcFF | abc00 | ABCFF | ABC00"},
+             {narrow + "/BitsPerComponent 1", "\x80\0\x80"s, "3x1 k0 | 0-0 2-2"},  // turned
+             {narrow + "/BitsPerComponent 8 /ColorSpace /DeviceRGB", "abcdefghi", "3x1 k4 | abcdefghi"}});
+}
+
+TEST(Image, StripesShowAsOne) {
+  EXPECT_EQ(Shown("", "33"), "no");  // goes round in a circle
+  // Nested; the first one tells width and kind. One that is turned fits, another kind or width is blank.
+  EXPECT_EQ(Shown("", "35"), "4x11 k0 inverted | 0-3 | 0-3 | 0-0 2-2 | | | | | | | 1-1 3-3 | 0-3");
+}
+
+TEST(Image, StandsWhereItsMatrixSays) {
+  const struct {
+    Affine matrix;
+    uint32_t width, height;
+    double x, y, angle, scaleX, scaleY;
+    uint32_t dpi;
+  } cases[] = {{{72, 0, 0, 144, 72, 36}, 100, 100, 25.4, 12.7, 0, 0.5, 1, 50},
+               {{0, 72, -72, 0, 0, 0}, 100, 50, 0, 0, 1.5707963267948966, 0.5, 1, 50},
+               {{0, 0, 0, 0, 0, 0}, 100, 50, 0, 0, 0, 1, 1, 72},
+               {{72, 0, 0, 0, 0, 0}, 100, 50, 0, 0, 0, 1, 1, 100},
+               {{1e300, 0, 0, 1e-300, 1e308, 0}, 1, 1, 0, 0, 0, 1, 1, 72}};
+  for (const auto &c : cases) {
+    const Placement placed = PlaceImage(c.matrix, c.width, c.height);
+    for (const double value : {placed.x, placed.y, placed.scaleX, placed.scaleY}) EXPECT_TRUE(std::isfinite(value));
+    if (c.matrix.a > 1e200) continue;
+    EXPECT_NEAR(placed.x, c.x, 1e-9);
+    EXPECT_NEAR(placed.y, c.y, 1e-9);
+    EXPECT_NEAR(placed.angle, c.angle, 1e-12);
+    EXPECT_NEAR(placed.scaleX, c.scaleX, 1e-9);
+    EXPECT_NEAR(placed.scaleY, c.scaleY, 1e-9);
+    EXPECT_EQ(placed.dpi, c.dpi);
+  }
+  EXPECT_EQ(PlaceInlineImage({7200, 0, 0, 7200, 0, 0}, 99, 99).dpi, 0u);  // cut, where the other is rounded
+  EXPECT_EQ(PlaceImage({7200, 0, 0, 7200, 0, 0}, 99, 99).dpi, 1u);
+}
+
+}  // namespace
+}  // namespace kapdf::test
