@@ -79,7 +79,7 @@ void AppendBytes(const ElementRecord &record, std::string &bytes) {
 std::string Describe(const ElementRecord &record) {
   const auto *block = static_cast<const uint8_t *>(record.payload);
   std::string text = "kind " + std::to_string(record.kind);
-  const bool definition = record.kind == ElemLayerDef || record.kind == ElemLineTypeDef;
+  const bool definition = record.kind == ElemLayerDef || record.kind == ElemLineTypeDef || record.kind == ElemFontDef;
   EXPECT_EQ(record.section, definition ? 3u : 4u);
   if (record.kind == ElemLine) {
     EXPECT_EQ(record.payloadBytes, 40u);
@@ -102,11 +102,19 @@ std::string Describe(const ElementRecord &record) {
   } else if (record.kind == ElemLayerDef) {
     EXPECT_EQ(record.payloadBytes, 44u);
     text = "layer " + Narrow(LoadAs<LayerDefPayload>(block).name);
+  } else if (record.kind == ElemText) {
+    const auto run = LoadAs<TextPayload>(block);
+    EXPECT_EQ(record.payloadBytes, 84u);
+    EXPECT_EQ(Narrow(run.fontName), Narrow(record.styleName));
+    text = "text " + Color(record.color) + " '" + Narrow(run.text) + "'" + Points(block, 0, 1) + " h" +
+           Number(run.height) + " w" + Number(run.widthFactor / 72 * 25.4) + " a" + Number(run.angle / 72 * 25.4);
+  } else if (record.kind == ElemFontDef) {
+    text = "font " + Narrow(record.styleName);
   }
   if (!definition) {
-    EXPECT_EQ(Narrow(record.layerName), "PDF");
+    if (const std::string layer = Narrow(record.layerName); layer != "PDF") text += " @" + layer;
     const std::string style = Narrow(record.styleName);
-    if (style != "Continuous") text += " [" + style + "]";
+    if (style != "Continuous" && record.kind != ElemText) text += " [" + style + "]";
   }
   return text;
 }
@@ -142,11 +150,12 @@ std::vector<std::string> ReadPage(std::string_view document, const InterpreterSe
   EXPECT_EQ(interpreter.InterpretNext(record), 0u);
   EXPECT_EQ(Describe(record), "linetype Continuous of 0");
   while (interpreter.InterpretNext(record) == 0) {
-    EXPECT_EQ(record.next, nullptr);
-    if (raw)
-      AppendBytes(record, *raw);
-    else
-      lines.push_back(Describe(record));
+    for (const ElementRecord *at = &record; at; at = at->next) {
+      if (raw)
+        AppendBytes(*at, *raw);
+      else
+        lines.push_back(Describe(*at));
+    }
   }
   for (int i = 0; i < 3; ++i) EXPECT_EQ(interpreter.InterpretNext(record), 0xFFFF0004u);
   EXPECT_EQ(interpreter.Fraction() >= 0 && interpreter.Fraction() <= 1, true);

@@ -15,7 +15,8 @@ inline constexpr std::string_view kLetter = "/MediaBox [0 0 612 792]";
 // One record without those chained to it: its kind, its colour, its width and its points, in points rounded to 1/1000.
 //   "line 7 w1 0,0 10,0"                 "poly #FF0000 w2 0,0 10,0 10,10"
 //   "fill 7 w1 o100 0,0 10,0 0,0 | ..."  "linetype D1 3 -2 of 2"   "layer PDF"
-// The line style follows in brackets when it is not "Continuous".
+//   "text 7 'AB' 10,20 h8.571 w1 a0" (start, height, width factor, angle in radians)   "font Text"
+// A layer other than "PDF" follows behind "@". The line style follows in brackets when it is not "Continuous".
 std::string Describe(const ElementRecord &record);
 
 // A page whose content stands in these streams, in an array when there is more than one. `more`: further objects, from
