@@ -44,7 +44,7 @@ inline constexpr size_t kFontMemory = size_t{512} << 20;   // of the fonts in us
 inline constexpr size_t kFontCache = size_t{128} << 20;    // from here on, fonts that nobody uses are forgotten
 // Decoded bytes of all streams that a document's fonts read, and so many more for each byte of the file. Further
 // streams count as missing.
-inline constexpr int64_t kFontStreams = int64_t{1} << 30;
+inline constexpr int64_t kFontStreams = int64_t{256} << 20;
 inline constexpr int64_t kFontStreamsPerByte = 64;
 
 }  // namespace kapdf::limits

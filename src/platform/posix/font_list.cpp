@@ -22,8 +22,13 @@ template <class T>
 using Owned = std::unique_ptr<T, Release>;
 
 // A configuration of its own: the host may use fontconfig, too, and end its use at any time.
+// Null where fontconfig is not set up. Loading in one step would complain of that on the standard error output.
 FcConfig *Config() {
-  static const Owned<FcConfig> config(FcInitLoadConfigAndFonts());
+  static const Owned<FcConfig> config = [] {
+    Owned<FcConfig> own(FcConfigCreate());
+    if (own && (!FcConfigParseAndLoad(own.get(), nullptr, FcFalse) || !FcConfigBuildFonts(own.get()))) own.reset();
+    return own;
+  }();
   return config.get();
 }
 

@@ -47,12 +47,12 @@ class FreeTypeFont final : public SystemFont {
   ByteBuffer Table(std::string_view tag) override;
 
  private:
-  // Font units to pixels, rounded.
+  static int32_t Down(int64_t value, int64_t by) { return static_cast<int32_t>(value / by - (value % by < 0 ? 1 : 0)); }
+  static int32_t Rounded(int64_t value, int64_t by) { return Down(2 * value + by, 2 * by); }
+  // Font units to whole pixels: rounded, to the left, to the right.
   int32_t Scaled(int64_t units) const { return Rounded(units * emPixels_, unitsPerEm()); }
-  static int32_t Rounded(int64_t value, int64_t by) {
-    const int64_t doubled = 2 * value + by;
-    return static_cast<int32_t>(doubled / (2 * by) - (doubled % (2 * by) < 0 ? 1 : 0));
-  }
+  int32_t Left(int64_t units) const { return Down(units * emPixels_, unitsPerEm()); }
+  int32_t Right(int64_t units) const { return -Left(-units); }
   int64_t unitsPerEm() const { return face_->units_per_EM; }
 
   FT_UInt GlyphOf(char16_t character) const {
@@ -125,10 +125,10 @@ bool FreeTypeFont::Box(char16_t character, GlyphBox &box) {
   if (face_->glyph->format != FT_GLYPH_FORMAT_OUTLINE) return false;
   FT_BBox units;
   FT_Outline_Get_CBox(&face_->glyph->outline, &units);
-  // Hinting puts the edges of a glyph on whole pixels.
-  box.left = Scaled(units.xMin);
+  // Hinting puts upper and lower edges on whole pixels, and nothing else.
+  box.left = Left(units.xMin);
   box.top = Scaled(units.yMax);
-  box.width = Scaled(units.xMax) - box.left;
+  box.width = Right(units.xMax) - box.left;
   box.height = box.top - Scaled(units.yMin);
   return true;
 }
