@@ -68,7 +68,7 @@ void FontLoader::ReadParts() {
   ReadEncoding();
   ReadToUnicode();
   ReadEncodingFile();
-  if (font_.codeSpaces_.empty()) font_.codeSpaces_.SetBytes();
+  if (font_.codeSpaces_.empty() || (IsSimple() && TakesPairsOnly())) font_.codeSpaces_.SetBytes();
   const auto *kind = dictionary_->GetAs<CPDFNameObject>("Subtype");
   const bool glyphProcedures = kind && kind->name == "Type3";
   if (!GoToDescendant()) return;
@@ -122,6 +122,13 @@ void FontLoader::ReadDifferences(const CPDFArray &differences) {
     }
     ++code;
   }
+}
+
+bool FontLoader::IsSimple() const { return !dictionary_->Get("DescendantFonts"); }
+
+// Many programs write a code space of two bytes into the maps of fonts whose codes are single bytes.
+bool FontLoader::TakesPairsOnly() const {
+  return std::ranges::all_of(font_.codeSpaces(), [](const CodeSpace &space) { return space.bytes == 2; });
 }
 
 // Simple fonts with such a map are read through the code spaces, too.

@@ -27,6 +27,8 @@ class FontLoader {
 
  private:
   bool IsFont() const;
+  bool IsSimple() const;
+  bool TakesPairsOnly() const;
   void ReadParts();
   void ReadEncoding();
   void ReadDifferences(const CPDFArray &differences);
