@@ -124,7 +124,9 @@ void FontLoader::ReadDifferences(const CPDFArray &differences) {
   }
 }
 
-bool FontLoader::IsSimple() const { return !dictionary_->Get("DescendantFonts"); }
+bool FontLoader::IsSimple() const {
+  return !dictionary_->Get("DescendantFonts") && (row_ < 0 || !CMapNameAt(row_).twoByte);
+}
 
 // Many programs write a code space of two bytes into the maps of fonts whose codes are single bytes.
 bool FontLoader::TakesPairsOnly() const {
