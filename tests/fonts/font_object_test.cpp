@@ -78,6 +78,7 @@ TEST_F(FontTest, Dictionaries) {
       .Object(14, "[3 9]")
       .Stream(21, "", "1 begincodespacerange\n<00> <7F>\n1 beginbfchar\n<41> <0061>\n")
       .Stream(22, "", "\0\7\xFF\xFF\0"s)
+      .Stream(24, "", "1 begincodespacerange\n<0000> <FFFF>\n1 beginbfchar\n<41> <0061>\n")
       .Stream(23, "", "1 beginbfrange\n<01> <01> [<0061>]\n");
   const struct {
     std::string_view font, expected;
@@ -96,6 +97,9 @@ TEST_F(FontTest, Dictionaries) {
       {"<</Type/Font /Encoding <</Differences [65/B41/fi 321/g97/none/space]>> >>",
        "Arial 0 -1 [0-ff ] c 41=61 42=66 43=20"},
       {"<</Type/Font /ToUnicode 21 0 R>>", "Arial 0 -1 2 [0-7f ] c 41=61"},
+      {"<</Type/Font /ToUnicode 24 0 R>>", "Arial 0 -1 2 [0-ff ] c 41=61"},
+      {"<</Type/Font /ToUnicode 24 0 R /DescendantFonts [11 0 R]>>",
+       "Arial 0 -1 2 [0-ffff ] w 1000 1-1=250 2-2=1500.5 6-8=400 9-9=300 c 41=61"},
       {"<</Type/Font /ToUnicode 23 0 R>>", "Arial 0 -1 2 [0-ff ] c"},
       {"<</Type/Font /ToUnicode 99 0 R /Encoding/Identity-H>>", "Arial 0 0 2 [0-ffff ] c"},
       {"<</Type/Font /Encoding/Identity-H /DescendantFonts [11 0 R]>>",
