@@ -299,8 +299,40 @@ typedef struct NamedPropertyPayload {
 
 #pragma pack(pop)
 
-/* Bytes of the value of the property "COORDSYS". */
+/* Bytes of the value of the property "COORDSYS", which is binary: a `CoordinateSystemBlock`. */
 #define KAPDF_COORDSYS_BYTES 1720u
+#define KAPDF_COORDSYS_PARAMETERS 10
+
+/* A coordinate system. Codes are those of the EPSG register, -1 for none. Angles among the parameters are radians. */
+typedef struct CoordinateSystemBlock {
+  uint32_t marker;      /* 768 */
+  uint32_t size;        /* 1720 */
+  uint32_t systemClass; /* 3 from the import */
+  char16_t unitName[102];
+  double scale;
+  uint64_t reserved224[2];
+  int32_t epsgCode; /* of the whole system; the import gives the setting `EPSGCode` */
+  uint8_t reserved244[412];
+  int32_t methodCode; /* coordinate operation method */
+  uint8_t reserved660[200];
+  int32_t datumCode;
+  char16_t datumName[100];
+  int32_t ellipsoidCode;
+  uint8_t reserved1068[204];
+  double semiMajorAxis, invFlattening, semiMinorAxis;
+  int32_t unitCode; /* of angles */
+  uint8_t reserved1300[212];
+  int32_t paramCount;
+  int32_t paramCodes[KAPDF_COORDSYS_PARAMETERS]; /* 0 where a slot is empty; slots may lie apart */
+  uint8_t reserved1556[20];
+  double paramValues[KAPDF_COORDSYS_PARAMETERS];
+  uint8_t reserved1656[36];
+  int32_t reserved1692;     /* -1 */
+  uint8_t reserved1696[12]; /* 255 each */
+  int32_t projectionId;     /* projection of the export; -1 from the import */
+  uint32_t reserved1712;    /* 2 */
+  uint8_t reserved1716[4];
+} CoordinateSystemBlock;
 
 /* ---- the filter object -------------------------------------------------------------------------- */
 
@@ -439,6 +471,23 @@ KAPDF_AT(RasterHeaderPayload, palette, 28);
 KAPDF_SIZE(RasterPlacementPayload, 72);
 KAPDF_AT(RasterPlacementPayload, clipMode, 68);
 KAPDF_SIZE(NamedPropertyPayload, 20);
+KAPDF_SIZE(CoordinateSystemBlock, KAPDF_COORDSYS_BYTES);
+KAPDF_AT(CoordinateSystemBlock, unitName, 12);
+KAPDF_AT(CoordinateSystemBlock, scale, 216);
+KAPDF_AT(CoordinateSystemBlock, epsgCode, 240);
+KAPDF_AT(CoordinateSystemBlock, methodCode, 656);
+KAPDF_AT(CoordinateSystemBlock, datumCode, 860);
+KAPDF_AT(CoordinateSystemBlock, datumName, 864);
+KAPDF_AT(CoordinateSystemBlock, ellipsoidCode, 1064);
+KAPDF_AT(CoordinateSystemBlock, semiMajorAxis, 1272);
+KAPDF_AT(CoordinateSystemBlock, semiMinorAxis, 1288);
+KAPDF_AT(CoordinateSystemBlock, unitCode, 1296);
+KAPDF_AT(CoordinateSystemBlock, paramCount, 1512);
+KAPDF_AT(CoordinateSystemBlock, paramCodes, 1516);
+KAPDF_AT(CoordinateSystemBlock, paramValues, 1576);
+KAPDF_AT(CoordinateSystemBlock, reserved1692, 1692);
+KAPDF_AT(CoordinateSystemBlock, projectionId, 1708);
+KAPDF_AT(CoordinateSystemBlock, reserved1712, 1712);
 
 KAPDF_SIZE(FilterTable, 14 * sizeof(void *));
 KAPDF_SIZE(FilterRow, 40);

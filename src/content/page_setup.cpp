@@ -1,9 +1,13 @@
 #include "content/page_setup.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
 #include <numbers>
 
+#include "pdfmodel/georeference.h"
+#include "platform/message.h"
 #include "platform/settings.h"
 
 namespace kapdf {
@@ -11,10 +15,58 @@ namespace {
 
 constexpr double kStraight = 1e-6;  // radians; less than that is not turned
 
+constexpr int32_t kNoSystemTold = -2;
+
 // Without the last bit's noise at quarter turns, which would put points on the sheet's edge outside it.
 double Exact(double value) {
   const double nearest = std::round(value);
   return std::fabs(value - nearest) < 1e-12 ? nearest : value;
+}
+
+// From a matrix in millimetres for one point, as a drawing gives it.
+Affine BaseMatrix(const std::array<double, 6> &m) {
+  const auto points = [](double value) {
+    value = value * 72 / 25.4;
+    return std::isfinite(value) ? value : 0;
+  };
+  return {points(m[0]), points(m[1]), points(m[2]), points(m[3]), points(m[4]), points(m[5])};
+}
+
+// The box around the four corners as the matrix maps them.
+PageBox Transformed(const PageBox &box, const Affine &matrix) {
+  PageBox around;
+  bool first = true;
+  for (double x : {box.left, box.right}) {
+    for (double y : {box.bottom, box.top}) {
+      double px = x, py = y;
+      matrix.Apply(px, py);
+      if (!std::isfinite(px) || !std::isfinite(py)) px = py = 0;
+      if (first) around = {px, px, py, py};
+      first = false;
+      around.left = std::min(around.left, px);
+      around.right = std::max(around.right, px);
+      around.bottom = std::min(around.bottom, py);
+      around.top = std::max(around.top, py);
+    }
+  }
+  return around;
+}
+
+// The matrix that the content starts with, and the box that clips it. A page with a georeference is not turned.
+Affine PlaceSheet(CPDFFile &document, const platform::Settings &settings, const CPDFDictionary &page, double rotate,
+                  PageBox &box) {
+  ReadBox(page.Get("MediaBox"), box);
+  auto georeference = ReadGeoreference(document.objects(), page);
+  if (!georeference) return RotatePage(rotate, box);
+  if (georeference->system) {
+    georeference->system->epsgCode = settings.ReadInteger(u"EPSGCode", kNoSystemTold);
+    const auto bytes = std::bit_cast<std::array<uint8_t, sizeof(CoordinateSystemBlock)>>(*georeference->system);
+    document.properties().Add(u"COORDSYS", bytes);
+  }
+  if (!georeference->matrix) return {};
+  const Affine base = BaseMatrix(*georeference->matrix);
+  box = Transformed(box, base);
+  return base;
 }
 
 }  // namespace
@@ -42,10 +94,10 @@ std::optional<PageToRead> SetupPage(CPDFFile &document, const PagePosition &posi
   if (const auto *angle = dictionary->GetAs<CPDFNumeric>("Rotate"); angle && std::isfinite(angle->realValue)) {
     rotate = angle->realValue / 360.0 * 2.0 * std::numbers::pi;
   }
-  ReadBox(dictionary->Get("MediaBox"), box);
   PageToRead page;
-  page.baseMatrix = RotatePage(rotate, box);
   const platform::Settings settings(document.registryPath(), u"\\PDF");
+  page.baseMatrix = PlaceSheet(document, settings, *dictionary, rotate, box);
+  if (dictionary->Get("Annots")) platform::ShowWarning(document.parentWindow(), platform::MessageText::kAnnotations);
   const bool diagnostics = settings.ReadInteger(u"WriteToTxt", 0) != 0;
   FontSettings fonts;
   fonts.useEmbeddedFonts = settings.ReadInteger(u"UseEmbeddedFonts", 0) != 0;

@@ -1,6 +1,7 @@
 // Reading: the open operations and the driver of the import.
 #include "content/page_setup.h"
 #include "filter/filter.h"
+#include "platform/message.h"
 #include "platform/settings.h"
 #include "platform/text.h"
 
@@ -48,14 +49,17 @@ uint32_t CPDFFilter::OpenPage(const FileInfo &info) {
 }
 
 uint32_t CPDFFilter::OpenRead(const char16_t *path, FileInfo *info, ProgressObject *progress, const char16_t *options,
-                              FilterContext *, FilterCreateFunction) {
+                              FilterContext *context, FilterCreateFunction) {
   uint32_t result = FilterDamaged;
   try {
     Close();
     ParseImportOptions(options ? options : u"", importOptions_);
     hostContext_ = progress;
     result = OpenDocument(path, *info);
-    if (result == FilterOk) result = OpenPage(*info);
+    if (result == FilterOk) {
+      document_->SetParentWindow(platform::WindowOf(context));
+      result = OpenPage(*info);
+    }
   } catch (...) {
     result = FilterDamaged;
   }
@@ -72,6 +76,7 @@ uint32_t CPDFFilter::ReadElement(ElementRecord *record) {
   try {
     if (record->kind == ElemRasterHeader) return ReadRasterHeader(*record);
     if (record->kind == ElemRasterRows) return ReadRasterRow(*record);
+    if (document_->properties().Next(*record)) return FilterOk;  // the sink is not asked
     result = interpreter_->InterpretNext(*record);
   } catch (...) {  // memory is out: the page, or the raster, ends here
     const bool raster = record->kind == ElemRasterHeader || record->kind == ElemRasterRows;

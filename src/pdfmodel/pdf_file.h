@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "kapdf/kapdf.h"
+#include "pdfmodel/named_properties.h"
 #include "pdfmodel/page_tree.h"
 #include "pdfmodel/xref_reader.h"
 
@@ -35,6 +36,11 @@ class CPDFFile final : public CPDFBlockSource {
   ObjectLocator &objects() { return *xref_; }
   const PDFXRef &xrefTable() const { return xref_->table(); }
   const std::vector<uint32_t> &pageObjects() const { return pageTree_->pageObjects(); }
+  NamedPropertyQueue &properties() { return properties_; }
+
+  // The host's window for messages; null, as at first, for none.
+  void SetParentWindow(void *window) { parentWindow_ = window; }
+  void *parentWindow() const { return parentWindow_; }
 
  private:
   uint32_t FindStartXRef(int32_t &position);
@@ -48,6 +54,8 @@ class CPDFFile final : public CPDFBlockSource {
   std::unique_ptr<CPDFIndirectObject> root_;
   std::unique_ptr<CPDFIndirectObject> pagesRoot_;
   int32_t objectCount_ = 0;
+  NamedPropertyQueue properties_;
+  void *parentWindow_ = nullptr;
 };
 
 // "Adobe PDF " into the host's structure.

@@ -4,6 +4,7 @@
 
 #include "base/ascii.h"
 #include "base/bytes.h"
+#include "pdfmodel/georeference.h"
 #include "writer/write_file.h"
 
 namespace kapdf {
@@ -26,6 +27,11 @@ bool DecodeHex(std::u16string_view text, std::span<uint8_t> bytes) {
     bytes[i] = static_cast<uint8_t>(high << 4 | low);
   }
   return true;
+}
+
+// A drawing in coordinates of its own.
+bool TellsNothing(const CoordinateSystemBlock &block) {
+  return block.scale == 1.0 && block.systemClass == 1 && block.epsgCode == -1 && block.methodCode == -1;
 }
 
 // Leading contours that ascend within the vertices.
@@ -166,9 +172,14 @@ uint32_t CPDFWriteFile::WriteProperty(const ElementRecord &record) {
   return WriteCoordinateSystem(block);
 }
 
-// Belongs into the page's dictionary, so it can be taken only while that is open. What is accepted is not written yet.
-uint32_t CPDFWriteFile::WriteCoordinateSystem(std::span<const uint8_t>) {
-  return pageDictionaryOpen_ && !contentCompressor_ ? FilterOk : FilterConsumed;
+// Belongs into the page's dictionary, so it can be taken only while that is open.
+uint32_t CPDFWriteFile::WriteCoordinateSystem(std::span<const uint8_t> bytes) {
+  if (!pageDictionaryOpen_ || contentCompressor_) return FilterConsumed;
+  const auto block = LoadAs<CoordinateSystemBlock>(bytes.data());
+  if (options_.geoTiff == 0 || TellsNothing(block)) return FilterOk;
+  out_.Drain();
+  WriteGeoreference(*this, block, {page_.scale, page_.originX, page_.originY});
+  return FilterOk;
 }
 
 // Only these two sections know placements. Rasters are not written yet, so nothing is kept of it.
