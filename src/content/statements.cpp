@@ -29,6 +29,14 @@ bool IsParametersKey(const char *text, size_t count) {
   return view == "/DP" || view == "/DecodeParams";
 }
 
+// The data of an inline image end with their stream, if not before; unless none of them stands there.
+bool HoldsImageData(ScanMode mode, std::string_view text) {
+  if (mode == ScanMode::kText) return false;
+  const size_t image = mode == ScanMode::kGraphics ? text.find("BI") : 0;
+  const size_t data = image == text.npos ? image : text.find("ID", image);
+  return data != text.npos && data + 3 < text.size();
+}
+
 }  // namespace
 
 // What the byte at hand may do to a statement, in the modes where that matters, is decided here; the plain copying of
@@ -112,7 +120,7 @@ char *CPDFContentStream::ReadStatement(ScanMode mode) {
         return ReadStatement(mode);
       }
     }
-    if (whole || count >= most || position_ < length_) {
+    if (whole || count >= most || position_ < length_ || HoldsImageData(mode, {statement_->data(), count})) {
       return EndStatement(count, goesOn);
     }
     if (count == saved + (saved > 0 ? 1 : 0)) {  // nothing but white space was left of this stream
