@@ -2,6 +2,7 @@
 #include <set>
 
 #include "commands.h"
+#include "coordinate_system.h"
 #include "page_reader.h"
 #include "shapes.h"
 #include "summary.h"
@@ -15,6 +16,7 @@ class Counter : public RecordSink {
   Outcome BeginPage(int, int) override { return {}; }
   Outcome Take(const ElementRecord &record) override {
     counts_.Count(record.kind);
+    if (const auto block = CoordinateSystemOf(record)) system_ = Tell(*block);
     if (record.section != 3) box_.Merge(BoundsOf(record, 0));
     return {};
   }
@@ -22,10 +24,12 @@ class Counter : public RecordSink {
 
   const KindCounts &counts() const { return counts_; }
   const Box &box() const { return box_; }
+  const std::string &system() const { return system_; }
 
  private:
   KindCounts counts_;
   Box box_;
+  std::string system_;
 };
 
 std::string TellBox(const Box &box) {
@@ -60,7 +64,7 @@ Outcome RunInfo(const Session &session, const InfoRequest &request) {
   if (!read.ok()) return read;
   out << "page " << request.page << "     " << counter.counts().Tell() << "\n"
       << "elements   " << TellBox(counter.box()) << "\n"
-      << std::flush;
+      << counter.system() << std::flush;
   return out ? Outcome{} : Fail("cannot write all of the standard output; is the disk full?");
 }
 
