@@ -129,6 +129,8 @@ void Interpreter::Show(const char *at) {
           text_.width -= adjust;
           continue;
         }
+      } else if (*at == '(' || *at == '<') {
+        continue;  // string upon string is one run
       }
     }
     if (text_.current().text.empty()) {
