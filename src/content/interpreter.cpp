@@ -105,6 +105,7 @@ Flow Interpreter::RunStatements() {
     }
   }
   ended_ = true;
+  inlineWaiting_ = false;
   return Flow::kNext;
 }
 

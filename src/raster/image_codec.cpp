@@ -186,7 +186,7 @@ std::unique_ptr<ImageSource> ImageSource::Open(ObjectLocator &objects, const Ima
     size_t size = 0;
     for (size_t got = piece.size(); got == piece.size() && size < limits::kDecodedStream; size += got) {
       got = stage->Read(piece.data(), piece.size());
-      if (store->Write(piece.data(), got) != got) return nullptr;
+      if (store->Write(piece.data(), got) != got || !objects.source().Charge(static_cast<int64_t>(got))) return nullptr;
     }
     store->Seek(0, SeekOrigin::kStart);
     length = static_cast<uint32_t>(size);

@@ -183,7 +183,9 @@ void CPDFRasterObject::ReadMask() {
   mask_ = std::move(mask);
 }
 
+// One of absurd size is not looked at: it counts as one that hides something.
 bool CPDFRasterObject::HidesNothing() {
+  if (!IsCcitt(coding_.filter) && uint64_t{width_} * height_ / 8 > limits::kDecodedStream) return false;
   std::vector<uint8_t> row(RowBytes(width_));
   RunList runs(row.data());
   bool full = true;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "base/limits.h"
 #include "io/codec_dct.h"
 #include "io/codec_jbig2.h"
 #include "io/codec_jp2.h"
@@ -108,12 +109,14 @@ size_t CPDFRasterObject::ReadTurnedLine(uint8_t *row) {
 }
 
 // The image's row for a row of the mask. Where the mask is finer a row stands for several, where it is coarser some are
-// passed over.
+// passed over, for one row of the mask not more than a bound of bytes.
 void CPDFRasterObject::FetchImageRow(uint32_t line) {
   const double ratio = static_cast<double>(mask_->height_) / height_;
   const auto step = static_cast<uint32_t>(std::lround(ratio));
   const auto wanted = ratio < 1 ? static_cast<uint32_t>(line / ratio) + 1 : line / std::max(step, 1u) + 1;
-  while (imageLine_ < std::min(wanted, height_)) {
+  const auto most = static_cast<uint32_t>(std::max<size_t>(limits::kDecodedStream / RowBytes(width_), 1));
+  const uint32_t end = std::min({wanted, height_, imageLine_ + most});
+  while (imageLine_ < end) {
     ReadPlainLine(imageRow_.data());
     ++imageLine_;
   }

@@ -10,6 +10,7 @@
 #include "content/record_blocks.h"
 #include "support/opened_pdf.h"
 #include "support/pdf_builder.h"
+#include "support/row_text.h"
 
 namespace kapdf::test {
 namespace {
@@ -56,6 +57,24 @@ std::string DescribeFill(const ElementRecord &record) {
   EXPECT_EQ(start(contours), vertices);
   for (size_t i = 0; i < contours; ++i) text += (i ? " |" : "") + Points(block + 68, start(i), start(i + 1));
   return text;
+}
+
+// Its name, colour, place and angle; then what the header tells, and the rows.
+std::string DescribeRaster(Interpreter &interpreter, const ElementRecord &record) {
+  const auto placed = LoadAs<RasterPlacementPayload>(record.payload);
+  char text[200];
+  std::snprintf(text, sizeof text, "%s #%X %g,%g %g o%g", Narrow(record.styleName).c_str(), record.color,
+                std::round(placed.x / 25.4 * 72), std::round(placed.y / 25.4 * 72),
+                std::round(placed.angle * 180 / 3.14159265), placed.opacity);
+  std::string line = text, asked;
+  ImageDescription told;
+  if (!interpreter.PrepareRaster(asked, told)) return line + " nothing";
+  std::snprintf(text, sizeof text, " %ux%u@%u k%d%s", told.width, told.height, told.dpi, static_cast<int>(told.kind),
+                told.invert ? " inverted" : "");
+  line += text;
+  uint8_t *row;
+  for (size_t bytes; interpreter.ReadRasterRow(row, bytes) == 0;) line += RowText(told.kind, told.width, row);
+  return line;
 }
 
 // Everything that a host could copy, less the pointers.
@@ -154,7 +173,7 @@ std::vector<std::string> ReadPage(std::string_view document, const InterpreterSe
       if (raw)
         AppendBytes(*at, *raw);
       else
-        lines.push_back(Describe(*at));
+        lines.push_back(at->kind == ElemRasterPlacement ? DescribeRaster(interpreter, *at) : Describe(*at));
     }
   }
   for (int i = 0; i < 3; ++i) EXPECT_EQ(interpreter.InterpretNext(record), 0xFFFF0004u);

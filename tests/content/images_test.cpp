@@ -1,40 +1,14 @@
 // Images and forms of a page, with the rows of every image.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <cstdio>
-
-#include "base/bytes.h"
-#include "content/page_setup.h"
 #include "drawing.h"
 #include "platform/settings.h"
-#include "support/opened_pdf.h"
 #include "support/pdf_builder.h"
-#include "support/row_text.h"
 
 namespace kapdf::test {
 namespace {
 
 using namespace std::string_literals;
-
-// Its name, colour, place and angle; then what the header tells, and the rows.
-std::string Shown(Interpreter &interpreter, const ElementRecord &record) {
-  const auto placed = LoadAs<RasterPlacementPayload>(record.payload);
-  std::string name;
-  for (const char16_t *c = record.styleName; *c; ++c) name += static_cast<char>(*c);
-  char text[200];
-  std::snprintf(text, sizeof text, "%s #%X %g,%g %g o%g", name.c_str(), record.color, std::round(placed.x / 25.4 * 72),
-                std::round(placed.y / 25.4 * 72), std::round(placed.angle * 180 / 3.14159265), placed.opacity);
-  std::string line = text, asked;
-  ImageDescription told;
-  if (!interpreter.PrepareRaster(asked, told)) return line + " nothing";
-  std::snprintf(text, sizeof text, " %ux%u@%u k%d%s", told.width, told.height, told.dpi, static_cast<int>(told.kind),
-                told.invert ? " inverted" : "");
-  line += text;
-  uint8_t *row;
-  for (size_t bytes; interpreter.ReadRasterRow(row, bytes) == 0;) line += RowText(told.kind, told.width, row);
-  return line;
-}
 
 std::string Stream(const std::string &entries, const std::string &data) {
   return "<<" + entries + " /Length " + std::to_string(data.size()) + ">>stream\n" + data + "\nendstream";
@@ -44,7 +18,7 @@ std::string DrawnWith(const std::vector<std::string> &streams, const std::string
   const std::string image = "/Subtype /Image ",
                     two = image + "/Width 2 /Height 1 /BitsPerComponent 8 /ColorSpace /DeviceGray";
   const std::string bits = image + "/Width 8 /Height 2 /BitsPerComponent 1", form = "/Subtype /Form ";
-  OpenedPdf pdf(PageBytes(
+  return Joined(ReadPage(PageBytes(
       streams, std::string(kLetter) + " /Resources <<" + resources + ">>",
       {Stream(two, "ab"), Stream(two, "cd"), Stream(bits, "\xFF\xFF"), Stream(bits, "\0\0"s),
        Stream(bits + " /ImageMask true", "\x0F\x0F"),
@@ -55,19 +29,7 @@ std::string DrawnWith(const std::vector<std::string> &streams, const std::string
        "<</A 100 0 R /B 101 0 R>>", "<</ca .5 /LW 1>>", Stream(form, "1 0 0 rg 0 0 1 1 re f"),
        Stream(form + "/Filter /No", "f"), "[/Indexed /DeviceRGB 3 <FF0000 00FF00 0000FF 000000>]",
        "[/ICCBased 113 0 R]", Stream("/Alternate /DeviceGray", "-"), Stream(two + " /Mask 115 0 R", "ef"),
-       "<</Broken true /R 107 0 R /M 114 0 R>>", Stream(form, "2 w q 3 w")}));
-  PagePosition position;
-  EXPECT_TRUE(pdf.file.GetPage(0, position));
-  Interpreter interpreter(std::move(*SetupPage(pdf.file, position)), {});
-  std::string all;
-  ElementRecord record;
-  InitializeRecord(record);
-  EXPECT_EQ(interpreter.InterpretNext(record), 0u);
-  while (interpreter.InterpretNext(record) == 0) {
-    if (!all.empty()) all += '\n';
-    all += record.kind == ElemRasterPlacement ? Shown(interpreter, record) : Describe(record);
-  }
-  return all;
+       "<</Broken true /R 107 0 R>>", Stream(form, "2 w q 3 w")})));
 }
 
 struct Case {
@@ -85,9 +47,7 @@ TEST(XObjects, AreFoundEnteredAndAnnounced) {
       "/P 114 0 R>> /ExtGState <</E 108 0 R>>",
       {{"q 72 0 0 36 5 6 cm /A Do Q", "A #100 5,6 0 o100 2x1@2 k1 | ab"},
        {"0 72 -72 0 5 6 cm /E gs /A Do", "A #100 5,6 90 o50 2x1@1 k1 | ab"},
-       {"/X Do /No Do Do 0 0 m 9 9 l S", line},
        {"1 g /A Do /M Do", "A #100 0,0 0 o100 2x1@72 k1 | ab\nM #FF 0,0 0 o100 8x2@144 k0 inverted | 4-7 | 4-7"},
-       {"/P Do", "P #100 0,0 0 o100 2x1@72 k1 | ef"},  // its mask names itself
        // What stands behind on the line is drawn behind, however it was written.
        {"/R Do 0 0 m 9 9 l S %% and 5 5 m 6 6 l S", "fill #FF0000 w1 o100 0,0 0,1 1,1 1,0 0,0\n" + line},
        {"/R Do 0 0\0\nm\0 9 9 l S"s, "fill #FF0000 w1 o100 0,0 0,1 1,1 1,0 0,0\n" + line},
@@ -108,7 +68,6 @@ TEST(XObjects, BehindAReferenceAreImagesOrStripes) {
   ASSERT_TRUE(settings.WriteInteger(u"CombineStripes", 1));
   EXPECT_EQ(DrawnWith({content}, table), "B #100 0,9 0 o100 2x2@8 k1 | cd | ab");  // from the upper one on
   EXPECT_EQ(DrawnWith({"/A Do"}, table), "");
-  EXPECT_EQ(DrawnWith({"/A Do"}, "/XObject 115 0 R"), "");
   ASSERT_TRUE(settings.RemoveKey());
 }
 
@@ -127,7 +86,6 @@ TEST(InlineImages, AreReadInEveryForm) {
        {"2 0 0 2 0 0 cm\nBI\n" + eight + "\nID\na\\\nbcd\nEI", gray},  // a backslash and a line end are no data
        {"BI/W 4/H 1/BPC 8/CS/G ID \0%% Q\nEI Q"s + draw, one + "4x1@72 k1 | 00252520" + line},
        {"BI/W 6/H 1/BPC 8/CS/G ID \0\0EI\n\r\nEI"s, one + "6x1@72 k1 | 0000EI0A0D"},
-       {"BI/W 6/H 1/BPC 8/CS/G ID a EIcd EI" + draw, one + "6x1@72 k1 | a0000000000" + line},
        {"BI/W 8/H 1/IM true ID \x0F EI", one + "8x1@72 k0 inverted | 4-7"},
        {"BI/W 8/H 1/BPC 1/CS/G/D[1\n0] ID \x0F EI", one + "8x1@72 k0 | 4-7"},
        {"BI/W 8/H 1/IM true/F/CCF/DP<</K -1/Columns 8>> ID \x80 EI", one + "8x1@72 k0 |"},
@@ -135,7 +93,6 @@ TEST(InlineImages, AreReadInEveryForm) {
        {"BI/W 4/H 1/BPC 2/CS[/Indexed/DeviceRGB 3 (a\0]\nEI q Q\n)]/I true ID \x1B EI"s, one + "4x1@72 k2 | 00010203"},
        {"BI/W 2/H 1/BPC 8/CS/CS1 ID ab EI", one + "2x1@72 k2 | ab"},
        {"BI/W 0/H 1 ID x EI" + draw, line.substr(1)},
-       {"BI/W 9/L 5/H 1/BPC 8/CS/G ID abcdefghi", ""},  // without an end
        {"BI/W 1/H 1/BPC 8/CS/G ID a EI BI/W 1/H 1/BPC 8/CS/G ID b EI",
         one + "1x1@72 k1 | a\nInlineImage1" + at + "1x1@72 k1 | b"}});
   for (const size_t cut : {19u, 25u, 30u, 37u, 44u, 46u, 47u, 52u, 54u, 55u, 56u}) {
@@ -152,8 +109,7 @@ TEST(ColorSpaces, OfTheResourcesColourPaths) {
          {"/I cs 99.5 scn" + area, "fill #000000" + points},  // black stays a plain colour
          {"/G cs .5 sc" + area, "fill #7F7F7F" + points},
          {"/G CS .5 SC" + way, "line #7F7F7F" + way1},
-         {"/S cs 0 1 1 0 scn" + area, "fill #FF0000" + points},
-         {"/I cs /Other cs 1 sc" + area, "fill 256" + points}});
+         {"/S cs 0 1 1 0 scn" + area, "fill #FF0000" + points}});
 }
 
 }  // namespace
