@@ -117,6 +117,11 @@ void AddDocuments(SeedFolder &folder) {
   folder.Add("contents_indirect_array", ContentsAsArray("7 0 R"));
   folder.Add("contents_holes", ContentsAsArray("[4 0 R 99 0 R null 8 0 R 5 0 R]"));
   folder.Add("filter_chains", FilterChains());
+  folder.Add(
+      "georeference",
+      OnePage(SampleContent(),
+              "/MediaBox [0 0 9 9] /Annots [] /LGIDict [<</CTM [(2) 0 0 -2 5 (6)] /Projection <</Type /Projection "
+              "/ProjectionType (TC) /CentralMeridian (9) /Datum <</Ellipsoid <</SemiMajorAxis 6e3>> >> >> >>]"));
   folder.Add("hybrid", Hybrid());
   folder.Add("deep_tree", DeepTree());
   folder.Add("many_pages", PagesOf(std::vector<std::string>(30, "1 1 m 2 2 l S")).Build(XRefForm::kObjectStream));
