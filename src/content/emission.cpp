@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "content/interpreter.h"
+#include "geometry/recognition.h"
 
 namespace kapdf {
 namespace {
@@ -75,12 +76,35 @@ void Interpreter::EmitStroke() {
                            : blocks_.polyline.Prepare(sizeof(PolylinePayload) + path.size_bytes() + 2 * sizeof(double));
   uint8_t *points = block + sizeof(PolylinePayload);
   const size_t values = inPlace ? path.size() : CopyPoints(points, path, closeContours_);
+  if (settings_.convertPoly && EmitCurve({reinterpret_cast<const double *>(points), values}, width)) return;
   PolylinePayload polyline = {};
   polyline.width = width;
   polyline.vertexCount = static_cast<int32_t>(values / 2);
   polyline.vertices = reinterpret_cast<double *>(points);
   StoreAs(block, polyline);
   StartRecord(ElemPolyline, state_.strokeColor, block, sizeof(PolylinePayload) + values * sizeof(double));
+}
+
+// True with the record filled when the points are those of a circle, an arc or an ellipse.
+bool Interpreter::EmitCurve(std::span<const double> points, double width) {
+  const RecognizedCurve curve = RecognizeCurve(points, settings_.fitTolerance);
+  switch (curve.kind) {
+    case RecognizedCurve::Kind::kNone:
+      return false;
+    case RecognizedCurve::Kind::kCircle:
+      blocks_.circle = {width, curve.centreX, curve.centreY, curve.a};
+      StartRecord(ElemCircle, state_.strokeColor, &blocks_.circle, sizeof blocks_.circle);
+      return true;
+    case RecognizedCurve::Kind::kArc:
+      blocks_.arc = {width, curve.centreX, curve.centreY, curve.a, curve.end, curve.start};
+      StartRecord(ElemArc, state_.strokeColor, &blocks_.arc, sizeof blocks_.arc);
+      return true;
+    case RecognizedCurve::Kind::kEllipse:
+      blocks_.ellipse = {width, curve.centreX, curve.centreY, curve.a, curve.b, curve.rotation, curve.start, curve.end};
+      StartRecord(ElemEllipseArc, state_.strokeColor, &blocks_.ellipse, sizeof blocks_.ellipse);
+      return true;
+  }
+  return false;
 }
 
 // True when two contours that follow each other go round in opposite directions. The area that is remembered is cut to

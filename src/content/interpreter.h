@@ -137,6 +137,7 @@ class Interpreter {
   void StartDefinition(uint32_t kind, void *payload, size_t bytes);
   bool EmitPending();
   void EmitStroke();
+  bool EmitCurve(std::span<const double> points, double width);
   void EmitCompoundPolygon();
   void FillPolygonRecord(size_t first, size_t end);
   bool EmitPolygon();

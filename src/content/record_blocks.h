@@ -34,6 +34,9 @@ class GrowingBlock {
 
 struct RecordBlocks {
   LinePayload line;
+  CirclePayload circle;
+  ArcPayload arc;
+  EllipseArcPayload ellipse;
   GrowingBlock polyline;
   GrowingBlock polygon;
   RasterPlacementPayload raster;

@@ -49,7 +49,7 @@ Matrix::Matrix(int32_t rows, int32_t cols, double fill) {
   if (rows <= 0 || cols <= 0) return;
   rows_ = rows;
   cols_ = cols;
-  data_.assign(static_cast<size_t>(rows) * static_cast<size_t>(cols), fill);
+  data_ = ShortArray<double>(static_cast<size_t>(rows) * static_cast<size_t>(cols), fill);
 }
 
 void Matrix::SetVector(std::span<const double> values) {
@@ -120,10 +120,10 @@ Matrix Transpose(const Matrix &a) {
 Matrix Inverse(const Matrix &a) {
   if (a.rows() != a.cols()) return {};
   Matrix m(a);
-  std::vector<std::pair<int32_t, int32_t>> pivots;
+  ShortArray<std::pair<int32_t, int32_t>> pivots(static_cast<size_t>(m.rows()));
   for (int32_t k = 0; k < m.rows(); ++k) {
     const auto [pivotRow, pivotCol] = FindPivot(m, k);
-    pivots.emplace_back(pivotRow, pivotCol);
+    pivots[static_cast<size_t>(k)] = {pivotRow, pivotCol};
     SwapRows(m, k, pivotRow);
     SwapColumns(m, k, pivotCol);
     const double scale = 1.0 / m(k, k);
@@ -148,7 +148,7 @@ int Solve(Matrix &x, const Matrix &a, const Matrix &b) {
   const int32_t size = a.rows();
   if (a.cols() != size || b.rows() != size || b.cols() != 1) return -1;
   Matrix m(a), right(b), solution(size, 1);
-  std::vector<int32_t> order(static_cast<size_t>(size));  // the unknown that each column stands for
+  ShortArray<int32_t> order(static_cast<size_t>(size));  // the unknown that each column stands for
   std::iota(order.begin(), order.end(), 0);
   for (int32_t k = 0; k < size; ++k) {
     const auto [pivotRow, pivotCol] = FindPivot(m, k);

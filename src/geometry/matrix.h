@@ -4,11 +4,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
+
+#include "geometry/short_array.h"
 
 namespace kapdf {
 
-// Row by row. A size of 0 or below in either direction gives an empty matrix. Copies are deep.
+// Row by row. A size of 0 or below in either direction gives an empty matrix. Copies are deep. Matrices of up to 4 by 4
+// do not allocate.
 class Matrix {
  public:
   Matrix() = default;
@@ -18,8 +20,8 @@ class Matrix {
   int32_t cols() const { return cols_; }
   double &operator()(int32_t row, int32_t col) { return data_[Index(row, col)]; }
   double operator()(int32_t row, int32_t col) const { return data_[Index(row, col)]; }
-  std::span<double> Row(int32_t row) { return {data_.data() + Index(row, 0), static_cast<size_t>(cols_)}; }
-  std::span<const double> Row(int32_t row) const { return {data_.data() + Index(row, 0), static_cast<size_t>(cols_)}; }
+  std::span<double> Row(int32_t row) { return {data_.begin() + Index(row, 0), static_cast<size_t>(cols_)}; }
+  std::span<const double> Row(int32_t row) const { return {data_.begin() + Index(row, 0), static_cast<size_t>(cols_)}; }
 
   // Copies the values to the start of a row.
   void SetRow(int32_t row, double a, double b, double c);
@@ -39,7 +41,7 @@ class Matrix {
 
   int32_t rows_ = 0;
   int32_t cols_ = 0;
-  std::vector<double> data_;
+  ShortArray<double> data_;
 };
 
 // Sizes have to match; where they do not, the result is empty.

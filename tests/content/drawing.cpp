@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <numbers>
 
 #include "base/bytes.h"
 #include "content/page_setup.h"
@@ -39,6 +40,19 @@ std::string Points(const void *from, size_t first, size_t end) {
   for (size_t i = first; i < end; ++i) {
     const auto *at = static_cast<const uint8_t *>(from) + i * 16;
     text += " " + Number(LoadAs<double>(at)) + "," + Number(LoadAs<double>(at + 8));
+  }
+  return text;
+}
+
+// Width, centre and lengths to a tenth, then so many angles in whole degrees of the first turn: curves are fitted.
+std::string DescribeNumbers(const char *name, const ElementRecord &record, size_t count, size_t angles) {
+  EXPECT_EQ(record.payloadBytes, 8 * count);
+  const auto value = [&](size_t i) { return LoadAs<double>(static_cast<const uint8_t *>(record.payload) + 8 * i); };
+  std::string text = name + (" " + Color(record.color)) + " w" + Number(value(0));
+  for (size_t i = 1; i < count - angles; ++i)
+    text += (i == 2 ? "," : " ") + Number(std::round(value(i) * 720 / 25.4) * 25.4 / 720);
+  for (size_t i = count - angles; i < count; ++i) {
+    text += " @" + std::to_string((std::lround(value(i) * 180 / std::numbers::pi) + 360) % 360);
   }
   return text;
 }
@@ -109,6 +123,12 @@ std::string Describe(const ElementRecord &record) {
     EXPECT_EQ(record.payloadBytes, 68 + 16 * vertices);
     EXPECT_EQ(reinterpret_cast<const uint8_t *>(poly.vertices), block + 68);
     text = "poly " + Color(record.color) + " w" + Number(poly.width) + Points(block + 68, 0, vertices);
+  } else if (record.kind == ElemCircle) {
+    text = DescribeNumbers("circle", record, 4, 0);
+  } else if (record.kind == ElemArc) {
+    text = DescribeNumbers("arc", record, 6, 2);
+  } else if (record.kind == ElemEllipseArc) {
+    text = DescribeNumbers("ellipse", record, 8, 3);
   } else if (record.kind == ElemFilledPolygon) {
     text = "fill " + Color(record.color) + DescribeFill(record);
   } else if (record.kind == ElemLineTypeDef) {

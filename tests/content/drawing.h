@@ -14,6 +14,8 @@ inline constexpr std::string_view kLetter = "/MediaBox [0 0 612 792]";
 
 // One record without those chained to it: its kind, its colour, its width and its points, in points rounded to 1/1000.
 //   "line 7 w1 0,0 10,0"                 "poly #FF0000 w2 0,0 10,0 10,10"
+//   "circle 7 w1 5,5 3" (centre, radius, to a tenth)   "arc 7 w1 5,5 3 @90 @0" (degrees: end, start)
+//   "ellipse 7 w1 5,5 3 2 @45 @0 @180" (half axes; rotation, start, end)
 //   "fill 7 w1 o100 0,0 10,0 0,0 | ..."  "linetype D1 3 -2 of 2"   "layer PDF"
 //   "text 7 'AB' 10,20 h8.571 w1 a0" (start, height, width factor, angle in radians)   "font Text"
 //   "Im #7 0,0 90 o100 2x1@72 k1 | ab" (of a raster: place, angle in degrees, opacity, size, resolution, kind, rows)

@@ -82,6 +82,36 @@ TEST(Paths, Curves) {
   EXPECT_EQ(Drawn("5 5 m 20 7 30 9 y S"), Drawn("5 5 m 20 7 30 9 30 9 c S"));
 }
 
+// Smooth strokes of many points are the shapes that they look like.
+TEST(Paths, Shapes) {
+  const std::string quarters =
+      "150 100 m 150 127.614 127.614 150 100 150 c 72.386 150 50 127.614 50 100 c "
+      "50 72.386 72.386 50 100 50 c 127.614 50 150 72.386 150 100 c ";
+  const std::string half = "150 100 m 150 127.614 127.614 150 100 150 c 72.386 150 50 127.614 50 100 c ";
+  const std::string back = "50 100 m 50 127.614 72.386 150 100 150 c 127.614 150 150 127.614 150 100 c ";
+  const struct {
+    std::string content, drawn;
+  } cases[] = {
+      {"1 0 0 RG 2 w " + quarters + "S", "circle #FF0000 w2 100,100 50"},
+      {"q 2 0 0 2 0 0 cm " + quarters + "S Q", "circle 256 w2 200,200 100"},
+      {half + "S", "arc 256 w1 100,100 50 @180 @0"},
+      {back + "S", "arc 256 w1 100,100 50 @180 @0"},
+      {"q 0.866 0.5 -0.25 0.433 200 200 cm " + quarters + "s Q", "ellipse 256 w1 261.6,293.3 50 25 @30 @0 @0"},
+      {"q 1 0 0 0.5 0 0 cm " + back + "S Q", "ellipse 256 w1 100,50 50 25 @0 @0 @180"},
+      // Closed with the polygon that they were the contours of; the last one drawn leaves first.
+      {"1 0 0 rg 0 0 9 9 re " + half + "h " + quarters + "B", "circle 256 w1 100,100 50"},
+      {"0 0 m 4 0 l " + quarters + "S", "circle 256 w1 100,100 50\nline 256 w1 0,0 4,0"},
+  };
+  InterpreterSettings off;
+  off.convertPoly = false;
+  for (const auto &c : cases) {
+    std::string drawn = Drawn(c.content);
+    if (drawn.compare(0, 4, "fill") == 0) drawn.erase(0, drawn.find('\n') + 1);
+    EXPECT_EQ(drawn.substr(0, c.drawn.size()), c.drawn) << c.content;
+    EXPECT_NE(Drawn(c.content, kLetter, off).find("poly"), std::string::npos) << c.content;
+  }
+}
+
 // Points beyond the page are left out one by one, curves as a whole.
 TEST(Paths, ThePageIsTheClipBox) {
   const struct {

@@ -1,0 +1,168 @@
+#include "geometry/recognition.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/curve_fit.h"
+#include "geometry/ellipse.h"
+
+namespace kapdf {
+namespace {
+
+constexpr size_t kLeastValues = 20;  // no more than these are never tried
+constexpr size_t kEllipsePoints = 20;
+constexpr double kTenDegrees = 0.17453292519943295;
+constexpr double kFlattest = 20;
+constexpr double kRoundest = 0.01;
+constexpr double kSameAngle = 1e-6;
+
+// One pass over the points: sums, length, and whether two segments meet at 90 degrees or less. A segment without
+// length does not count as such a corner, but the next one does.
+bool AddSmooth(std::span<const double> points, CurveFit &fit, double &length) {
+  double beforeX = 0, beforeY = 0;
+  fit.AddPoint(points[0], points[1]);
+  for (size_t i = 2; i < points.size(); i += 2) {
+    const double dx = points[i] - points[i - 2], dy = points[i + 1] - points[i - 1];
+    const double square = dx * dx + dy * dy;
+    if (i > 2 && dx * beforeX + dy * beforeY <= 0 && square > 0) return false;
+    fit.AddPoint(points[i], points[i + 1]);
+    length += std::sqrt(square);
+    beforeX = dx;
+    beforeY = dy;
+  }
+  return true;
+}
+
+// Squared distances are compared with the squares of the limits.
+class Ring {
+ public:
+  Ring(double x, double y, double radius, double tolerance) : x_(x), y_(y) {
+    const double inner = std::max(0.0, 1 - tolerance) * radius, outer = (1 + tolerance) * radius;
+    inner_ = inner * inner;
+    outer_ = outer * outer;
+  }
+  bool Holds(double x, double y) const {
+    const double dx = x - x_, dy = y - y_, square = dx * dx + dy * dy;
+    return square >= inner_ && square <= outer_;
+  }
+
+ private:
+  double x_, y_, inner_, outer_;
+};
+
+// The middle of a chord lies inside its arc and has twice the room of a point.
+bool FitsCircle(std::span<const double> points, const CurveFit &fit, double tolerance) {
+  const Ring ring(fit.centreX(), fit.centreY(), fit.radius(), tolerance);
+  const Ring wide(fit.centreX(), fit.centreY(), fit.radius(), 2 * tolerance);
+  if (!ring.Holds(points[0], points[1])) return false;
+  for (size_t i = 2; i < points.size(); i += 2) {
+    if (!ring.Holds(points[i], points[i + 1])) return false;
+    if (!wide.Holds((points[i - 2] + points[i]) / 2, (points[i - 1] + points[i + 1]) / 2)) return false;
+  }
+  return true;
+}
+
+// Whether points are near to an ellipse. The distance along the line from the centre is no less than the real one and
+// much cheaper: most points need no other.
+class Band {
+ public:
+  Band(const Ellipse &ellipse, double limit)
+      : ellipse_(ellipse), limit_(limit), cos_(std::cos(ellipse.rotation)), sin_(std::sin(ellipse.rotation)) {}
+  bool Holds(double x, double y) const {
+    const double dx = x - ellipse_.centreX, dy = y - ellipse_.centreY;
+    const double u = (dx * cos_ + dy * sin_) / ellipse_.a, v = (dy * cos_ - dx * sin_) / ellipse_.b;
+    const double beyond = std::fabs(1 - 1 / std::sqrt(u * u + v * v));
+    if (beyond * std::sqrt(dx * dx + dy * dy) <= limit_ * ellipse_.a) return true;
+    double angle;
+    return std::fabs(ellipse_.Distance(x, y, angle) / ellipse_.a) <= limit_;
+  }
+
+ private:
+  const Ellipse &ellipse_;
+  double limit_, cos_, sin_;
+};
+
+bool FitsEllipse(std::span<const double> points, const Ellipse &ellipse, double tolerance) {
+  const Band band(ellipse, 2 * tolerance);
+  if (!band.Holds(points[0], points[1])) return false;
+  for (size_t i = 2; i < points.size(); i += 2) {
+    if (!band.Holds(points[i], points[i + 1])) return false;
+    if (!band.Holds((points[i - 2] + points[i]) / 2, (points[i - 1] + points[i + 1]) / 2)) return false;
+  }
+  return true;
+}
+
+// The counter-clockwise run has to pass through the middle point. First and last may have the same angle, but for
+// rounding: the run is then the long one.
+void RunThroughMiddle(std::span<const double> points, RecognizedCurve &arc) {
+  const auto angleOf = [&](size_t point) {
+    return std::atan2(points[2 * point + 1] - arc.centreY, points[2 * point] - arc.centreX);
+  };
+  const size_t count = points.size() / 2;
+  const double first = angleOf(0), last = angleOf(count - 1);
+  arc.start = last;
+  arc.end = first;
+  if (std::fabs(first - last) < kSameAngle ? first >= last : AngleBetween(angleOf(count / 2), first, last)) {
+    std::swap(arc.start, arc.end);
+  }
+}
+
+bool RunOfEllipse(std::span<const double> points, Ellipse &ellipse) {
+  const size_t last = points.size() - 2, middle = points.size() / 4 * 2;
+  ellipse.Distance(points[0], points[1], ellipse.start);
+  ellipse.Distance(points[last], points[last + 1], ellipse.end);
+  if (!ellipse.Contains(points[middle], points[middle + 1])) std::swap(ellipse.start, ellipse.end);
+  while (ellipse.end <= ellipse.start) ellipse.end += kWholeTurn;
+  return ellipse.end - ellipse.start >= kTenDegrees;
+}
+
+RecognizedCurve CurveOf(const CurveFit &fit, bool closed) {
+  RecognizedCurve curve;
+  curve.kind = closed ? RecognizedCurve::Kind::kCircle : RecognizedCurve::Kind::kArc;
+  curve.centreX = fit.centreX();
+  curve.centreY = fit.centreY();
+  curve.a = curve.b = fit.radius();
+  return curve;
+}
+
+RecognizedCurve RecognizeEllipse(std::span<const double> points, CurveFit &fit, double tolerance, bool closed) {
+  if (points.size() / 2 <= kEllipsePoints || !fit.SolveEllipse(true, false)) return {};
+  Ellipse ellipse{fit.centreX(), fit.centreY(), fit.axisA(), fit.axisB(), fit.axisAngle()};
+  if (ellipse.a < ellipse.b) {
+    std::swap(ellipse.a, ellipse.b);
+    ellipse.rotation += std::numbers::pi / 2;
+  }
+  const double ratio = ellipse.a / ellipse.b;
+  if (ratio > kFlattest || ratio - 1 < kRoundest || !FitsEllipse(points, ellipse, tolerance)) return {};
+  if (closed)
+    ellipse.start = ellipse.end = 0;
+  else if (!RunOfEllipse(points, ellipse))
+    return {};
+  return {RecognizedCurve::Kind::kEllipse,
+          ellipse.centreX,
+          ellipse.centreY,
+          ellipse.a,
+          ellipse.b,
+          ellipse.rotation,
+          ellipse.start,
+          ellipse.end};
+}
+
+}  // namespace
+
+RecognizedCurve RecognizeCurve(std::span<const double> points, double tolerance) {
+  if (points.size() <= kLeastValues) return {};
+  CurveFit fit;
+  double length = 0;
+  if (!AddSmooth(points, fit, length) || !fit.WithinBounds()) return {};
+  const bool closed = points[0] == points[points.size() - 2] && points[1] == points[points.size() - 1];
+  if (fit.SolveCircle(false) && length >= fit.radius() * (std::numbers::pi / 18) &&
+      FitsCircle(points, fit, tolerance)) {
+    RecognizedCurve curve = CurveOf(fit, closed);
+    if (!closed) RunThroughMiddle(points, curve);
+    return curve;
+  }
+  return RecognizeEllipse(points, fit, tolerance, closed);
+}
+
+}  // namespace kapdf
