@@ -36,8 +36,9 @@ TEST(Rasters, AreAskedForByNameAndRowByRow) {
   const auto ask = [&](uint32_t kind) { return record.kind = kind, fraction = -1, filter->ReadElement(&record); };
   const auto header = [&](std::u16string_view name) {
     record.styleName[name.copy(record.styleName, 255)] = 0;
-    const uint32_t result = ask(ElemRasterHeader);
-    return result == FilterOk ? LoadAs<RasterHeaderPayload>(record.payload) : RasterHeaderPayload{.height = result};
+    RasterHeaderPayload told{};
+    told.height = ask(ElemRasterHeader);
+    return told.height == FilterOk ? LoadAs<RasterHeaderPayload>(record.payload) : told;
   };
   EXPECT_EQ(ask(ElemRasterRows), FilterNotAvailable);
   EXPECT_EQ(header(u"B").height, 50u);  // before any was announced: counts as one more
