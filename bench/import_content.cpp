@@ -8,6 +8,7 @@ namespace kapdf::bench {
 namespace {
 
 constexpr int kPaths = 300'000;
+constexpr int kCircles = 200'000;
 
 enum class Mix { kLines, kCurves, kCad };
 
@@ -46,14 +47,18 @@ std::string Content(Mix mix) {
   return text;
 }
 
-std::string MakeFile(Mix mix) {
+std::string OnePage(const std::string &content) {
   Document document;
   document.Add("<</Type/Catalog/Pages 2 0 R>>");
   document.Add("<</Type/Pages/Count 1/Kids[3 0 R]>>");
   document.Add("<</Type/Page/Parent 2 0 R/MediaBox[0 0 2000 2000]/Resources<<>>/Contents 4 0 R>>");
-  document.AddStream(Content(mix));
+  document.AddStream(content);
+  return document.Finish();
+}
+
+std::string MakeFile(Mix mix) {
   const std::string path = TemporaryPath("content" + std::to_string(static_cast<int>(mix)) + ".pdf");
-  WriteFile(path, document.Finish());
+  WriteFile(path, OnePage(Content(mix)));
   return path;
 }
 
@@ -62,13 +67,14 @@ const std::string &File(Mix mix) {
   return files[static_cast<int>(mix)];
 }
 
-int64_t ReadPage(const std::string &path) {
+// Records of one kind, or of all.
+int64_t ReadPage(const std::string &path, uint32_t kind = ElemNone) {
   Reader reader;
   FileInfo info{};
   if (reader->OpenRead(Wide(path).c_str(), &info, nullptr, nullptr, nullptr, nullptr) != FilterOk) return -1;
   ElementRecord record{};
   int64_t records = 0;
-  while (record.kind = ElemNone, reader->ReadElement(&record) == FilterOk) ++records;
+  while (record.kind = ElemNone, reader->ReadElement(&record) == FilterOk) records += !kind || record.kind == kind;
   return records;
 }
 
@@ -103,7 +109,38 @@ void PeerInflateOnly(benchmark::State &state) {
   }
 }
 
+// A page of circles of four curves each, as drawing programs make them, some 45 points when flattened.
+std::string Circles() {
+  std::mt19937 random(7);
+  const auto tenths = [&](int from, int to) { return std::uniform_int_distribution<int>(from, to)(random) / 10.0; };
+  std::string text;
+  for (int i = 0; i < kCircles; ++i) {
+    const double x = tenths(1'000, 19'000), y = tenths(1'000, 19'000), r = tenths(40, 80), k = 0.5523 * r;
+    char circle[400];
+    std::snprintf(circle, sizeof circle,
+                  "%.3f %.3f m\n%.3f %.3f %.3f %.3f %.3f %.3f c\n%.3f %.3f %.3f %.3f %.3f %.3f c\n"
+                  "%.3f %.3f %.3f %.3f %.3f %.3f c\n%.3f %.3f %.3f %.3f %.3f %.3f c\nS\n",
+                  x + r, y, x + r, y + k, x + k, y + r, x, y + r, x - k, y + r, x - r, y + k, x - r, y, x - r, y - k,
+                  x - k, y - r, x, y - r, x + k, y - r, x + r, y - k, x + r, y);
+    text += circle;
+  }
+  return text;
+}
+
+void ImportCircles(benchmark::State &state) {
+  const std::string path = TemporaryPath("circles.pdf"), settings = TemporaryPath("circles.ini");
+  WriteFile(path, OnePage(Circles()));
+  const std::string recognise = std::to_string(state.range(0));
+  WriteFile(settings, "[Software\\Tessmark GmbH\\ZVIOFilter\\Filter\\PDF]\nConvertPoly=" + recognise + "\n");
+  setenv("KAPDF_SETTINGS", settings.c_str(), 1);
+  int64_t circles = 0;
+  for (auto _ : state) circles = ReadPage(path, ElemCircle);
+  unsetenv("KAPDF_SETTINGS");
+  if (circles != (state.range(0) ? kCircles : 0)) state.SkipWithError("not every circle was told");
+}
+
 BENCHMARK(ImportPage)->ArgName("mix")->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
+BENCHMARK(ImportCircles)->ArgName("recognised")->DenseRange(0, 1)->Unit(benchmark::kMillisecond);
 BENCHMARK(PeerMutoolBbox)->ArgName("mix")->DenseRange(0, 2)->Unit(benchmark::kMillisecond)->UseManualTime();
 BENCHMARK(PeerInflateOnly)->ArgName("mix")->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
 
