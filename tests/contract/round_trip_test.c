@@ -134,6 +134,7 @@ void TestRoundTrip(void) {
   EQUAL(1, info.pageCount);
   ElementRecord record;
   Next(filter, &record, ElemLineTypeDef);
+  Next(filter, &record, ElemLayerDef);
   ImportLineAndPolyline(filter);
   ImportPolygon(filter);
   ImportCircle(filter);
