@@ -3,11 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <string>
+#include <tuple>
 
+#include "base/bytes.h"
 #include "filter/filter.h"
 #include "support/pdf_builder.h"
 #include "support/temp_file.h"
@@ -78,6 +81,39 @@ TEST_F(FilterSettings, ClippingDropsWhatLiesBesideThePage) {
     record.kind = ElemNone;
     EXPECT_EQ(filter->ReadElement(&record), clipping ? FilterEndOfElements : FilterOk);
   }
+}
+
+// The page is not turned, and what is off the sheet is off it wherever the sheet comes to lie.
+TEST_F(FilterSettings, AGeoreferencedPageGivesItsSystemFirst) {
+  test::TempFile file(test::OnePage("0 0 m 10 20 l S 5 5 m 11 6 l 10 7 l S",
+                                    "/MediaBox [0 0 10 20] /Rotate 90 /Annots [] /LGIDict <</CTM [2 (0) 0 2 (3e5) 50] "
+                                    "/Projection <</Type /Projection>> >>"));
+  file.Close();
+  pdfKey.WriteInteger(u"EPSGCode", 32632);
+  const FilterPointer filter(new CPDFFilter(kPath, false));
+  FileInfo info{};
+  ASSERT_EQ(filter->OpenRead(file.path16().c_str(), &info, nullptr, nullptr, nullptr, nullptr), FilterOk);
+  const ProgressTable stops{nullptr, nullptr, [](ProgressObject *, double) { return 1u; }, nullptr, nullptr,
+                            nullptr, nullptr};
+  ProgressObject progress{&stops};
+  ElementRecord record{};
+  record.section = 77;
+  record.progress = &progress;
+  ASSERT_EQ(filter->ReadElement(&record), FilterOk) << "nobody asks the sink";
+  EXPECT_EQ(std::tuple(record.kind, record.section, record.payloadBytes), std::tuple(14u, 77u, 20u));
+  const auto property = LoadAs<NamedPropertyPayload>(record.payload);
+  EXPECT_EQ(filter->ReadElement(&record), FilterCancelled);
+  record.progress = nullptr;
+  std::string drawn;
+  while (filter->ReadElement(&record) == FilterOk) {
+    const auto line = LoadAs<LinePayload>(record.payload);
+    for (const double value : {line.x1, line.y1, line.x2, line.y2}) drawn += std::to_string(std::lround(value)) + " ";
+  }
+  EXPECT_EQ(drawn, "300000 50 300020 90 300010 60 300020 64 ");
+  const std::u16string value = property.value;  // still as it was
+  EXPECT_EQ(std::tuple(std::u16string(property.name), property.type, value.size()),
+            std::tuple(u"COORDSYS", 32u, 3440u));
+  EXPECT_EQ(value.substr(480, 8), u"787F0000");
 }
 
 }  // namespace

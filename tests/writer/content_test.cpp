@@ -216,22 +216,6 @@ TEST(Content, NothingWithoutLayersOrBehindThePage) {
   EXPECT_EQ(file.find(empty), file.rfind(empty));
 }
 
-TEST(Content, CoordinateSystemIsCheckedAndTakenWhileThePageIsOpen) {
-  const Workspace workspace;
-  Sheet sheet(workspace);
-  sheet.writer().Start(sheet.info());
-  std::u16string name = u"CoordSys";
-  const auto put = [&](uint32_t type, std::u16string value) {
-    return sheet.Draw(ElemNamedProperty, NamedPropertyPayload{name.data(), type, value.data()});
-  };
-  EXPECT_EQ(put(32, std::u16string(3440, u'a')), FilterOk);
-  EXPECT_EQ(put(4, std::u16string(3440, u'a')), FilterConsumed);
-  EXPECT_EQ(put(32, std::u16string(3439, u'a')), FilterConsumed);
-  EXPECT_EQ(put(32, std::u16string(3440, u'g')), FilterConsumed);
-  sheet.writer().EndSection(2);
-  EXPECT_EQ(put(32, std::u16string(3440, u'a')), FilterConsumed);
-}
-
 TEST(Content, RastersAreRefused) {
   const Workspace workspace;
   Sheet sheet(workspace);
