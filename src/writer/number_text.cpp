@@ -54,6 +54,10 @@ char *PutFixed3(char *at, double value) {
   return at;
 }
 
+char *PutFixed6(char *at, double value) {
+  return std::to_chars(at, at + kNumberRoom, std::isfinite(value) ? value : 0.0, std::chars_format::fixed, 6).ptr;
+}
+
 char *PutColorComponent(char *at, uint32_t component) {
   const uint32_t hundredths = (component * 200 + 255) / 510;  // no 8-bit value lies half way between two hundredths
   *at++ = static_cast<char>('0' + hundredths / 100);

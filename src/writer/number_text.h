@@ -14,6 +14,8 @@ inline constexpr size_t kNumberRoom = 330;
 // Three decimals, the exact decimal value rounded half to even, as "%.3f" gives it in the C locale; what rounds to zero
 // from below is "-0.000". A value that is not finite is "0.000".
 char *PutFixed3(char *at, double value);
+// The same with six decimals, at its own pace.
+char *PutFixed6(char *at, double value);
 // A colour component of 0 to 255 as 0.00 to 1.00.
 char *PutColorComponent(char *at, uint32_t component);
 char *PutInteger(char *at, int64_t value);

@@ -1,5 +1,6 @@
 #include "writer/page_content.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "base/bytes.h"
@@ -10,6 +11,7 @@ namespace kapdf {
 namespace {
 
 constexpr double kUsualMiter = 10;
+constexpr double kMillimetresPerInch = 25.4;
 constexpr double kCircleControl = 0.5522847498;  // of the radius
 
 double CoordinateAt(const double *values, size_t index) { return LoadAs<double>(values + index); }
@@ -24,6 +26,10 @@ void PageContent::Begin() {
     out_.Real(options_.miter).Text(" M\n");
   }
   if (options_.lineCap != 0) out_.Integer(options_.lineCap).Text(" J\n");
+  PutPageMatrix();
+}
+
+void PageContent::PutPageMatrix() {
   out_.Real(page_.scale).Text(" 0 0 ").Real(page_.scale).Text(" 0 0 cm\n");
 }
 
@@ -34,11 +40,7 @@ void PageContent::Select(const ElementRecord &record) {
   const std::u16string_view name = FieldText(record.layerName);
   if (layer < 0 || name != lastLayerName_) {
     lastLayerName_ = name;
-    const int32_t found = layers_.Find(name);
-    if (found >= 0)
-      layer = found;
-    else if (layer < 0)
-      layer = 0;
+    layer = LayerOf(name);
   }
   const uint32_t color = ResolveColor(record.color, layers_[layer].color, color_ == kNoColor ? 0 : color_);
   const bool layerChanges = layer != layer_;
@@ -52,6 +54,16 @@ void PageContent::Select(const ElementRecord &record) {
   color_ = color;
 }
 
+int32_t PageContent::LayerOf(std::u16string_view name) const {
+  const int32_t found = layers_.Find(name);
+  return found >= 0 ? found : std::max(layer_, 0);
+}
+
+uint32_t PageContent::ColorOf(const ElementRecord &record) const {
+  const uint32_t layerColor = layers_.empty() ? 0 : layers_[LayerOf(FieldText(record.layerName))].color;
+  return ResolveColor(record.color, layerColor, color_ == kNoColor ? 0 : color_);
+}
+
 void PageContent::PutWidth(double elementWidth) {
   const double layerWidth = layers_[layer_].width;
   const double width = layerWidth < 0 ? elementWidth : layerWidth;
@@ -62,11 +74,14 @@ void PageContent::PutWidth(double elementWidth) {
 
 // Nobody remembers the fill colour between elements: it is sent with each.
 void PageContent::PutFill(int32_t transparencyKey) {
-  if (options_.useTransparency && transparencyKey != transparencyKey_) {
-    out_.Name(TransparencyTable::NameOf(states_.FindOrAdd(transparencyKey))).Text(" gs\n");
-    transparencyKey_ = transparencyKey;
-  }
+  PutTransparency(transparencyKey);
   out_.Color(color_).Text(" rg\n");
+}
+
+void PageContent::PutTransparency(int32_t key) {
+  if (!options_.useTransparency || key == transparencyKey_) return;
+  out_.Name(TransparencyTable::NameOf(states_.FindOrAdd(key))).Text(" gs\n");
+  transparencyKey_ = key;
 }
 
 void PageContent::Draw(const LinePayload &line) {
@@ -146,6 +161,37 @@ void PageContent::Draw(const FilledPolygonPayload &polygon, int32_t contours) {
     out_.Text("h\n");
   }
   out_.Text(polygon.strokeToo != 0 ? "B*\n" : "f*\n");
+}
+
+void PageContent::Draw(const RasterPlacementPayload &place, const ImageEntry &image, size_t number) {
+  PutFill(TransparencyTable::KeyOf(place.opacity));
+  out_.Text("q\n");
+  PutImage(place, image, number);
+}
+
+void PageContent::DrawWaiting(const PlacementTable &placements) {
+  for (const PlacementTable::Waiting &waiting : placements.waiting()) {
+    PutTransparency(TransparencyTable::KeyOf(waiting.place.opacity));
+  }
+  uint32_t color = kNoColor;
+  for (const PlacementTable::Waiting &waiting : placements.waiting()) {
+    if (waiting.color != color) out_.Color(waiting.color).Text(" rg\n");
+    color = waiting.color;
+    out_.Text("q\n");
+    PutPageMatrix();
+    PutImage(waiting.place, placements.Image(waiting.image), waiting.image);
+  }
+}
+
+// To the place, turned, to the size; and back again.
+void PageContent::PutImage(const RasterPlacementPayload &place, const ImageEntry &image, size_t number) {
+  const double cosine = std::cos(place.angle), sine = std::sin(place.angle);
+  const auto size = [&](double scale, uint32_t pixels) { return scale * pixels * kMillimetresPerInch / image.dpi; };
+  out_.Text("1 0 0 1 ");
+  PutPoint(place.x, place.y).Text(" cm\n").Factor(cosine).Byte(' ').Factor(sine).Byte(' ');
+  out_.Factor(-sine).Byte(' ').Factor(cosine).Text(" 0 0 cm\n").Real(size(place.scaleX, image.width));
+  out_.Text(" 0 0 ").Real(size(place.scaleY, image.height)).Text(" 0 0 cm\n/Im");
+  out_.Integer(static_cast<int64_t>(number)).Text(" Do\nQ\n");
 }
 
 }  // namespace kapdf

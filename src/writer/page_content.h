@@ -6,6 +6,7 @@
 
 #include "kapdf/kapdf.h"
 #include "writer/page_layout.h"
+#include "writer/placements.h"
 #include "writer/tables.h"
 #include "writer/text_out.h"
 #include "writer/write_options.h"
@@ -29,6 +30,8 @@ class PageContent {
 
   // Puts the element's layer and colour in force. The layer table must not be empty.
   void Select(const ElementRecord &record);
+  // The element's colour, without putting it in force; packed. Black where only a layer would tell and there is none.
+  uint32_t ColorOf(const ElementRecord &record) const;
 
   void Draw(const LinePayload &line);
   void Draw(const PolylinePayload &polyline);
@@ -39,10 +42,19 @@ class PageContent {
   void Draw(const SolidPayload &solid);
   // The first `contours` contours of the polygon; their starts must ascend within its vertices.
   void Draw(const FilledPolygonPayload &polygon, int32_t contours);
+  // `number` names the image. Its size on the page is that at its resolution, times the placement's scale.
+  void Draw(const RasterPlacementPayload &place, const ImageEntry &image, size_t number);
+  // A page of images alone: every waiting placement scales for itself. All opacities are put in force ahead of all of
+  // them, so that the last one holds for all.
+  void DrawWaiting(const PlacementTable &placements);
 
  private:
   void PutWidth(double elementWidth);
   void PutFill(int32_t transparencyKey);
+  void PutTransparency(int32_t key);
+  void PutImage(const RasterPlacementPayload &place, const ImageEntry &image, size_t number);
+  void PutPageMatrix();
+  int32_t LayerOf(std::u16string_view name) const;
   void PutMove(double x, double y) { PutPoint(x, y).Text(" m\n"); }
   void PutLine(double x, double y) { PutPoint(x, y).Text(" l\n"); }
   void PutCurve(double x1, double y1, double x2, double y2, double x3, double y3) {

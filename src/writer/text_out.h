@@ -21,6 +21,8 @@ class TextOut {
   TextOut &Text(std::string_view text);
   TextOut &Integer(int64_t value) { return Put(PutInteger(Room(), value)); }
   TextOut &Real(double value) { return Put(PutFixed3(Room(), value)); }
+  // Sine or cosine, with six decimals.
+  TextOut &Factor(double value) { return Put(PutFixed6(Room(), value)); }
   // "x y"
   TextOut &Point(double x, double y) { return Real(x).Byte(' ').Real(y); }
   // "r g b" with two decimals each, of a packed colour.

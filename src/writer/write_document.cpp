@@ -90,7 +90,7 @@ void CPDFWriteFile::OpenPageDictionary() {
 
 // With content open nothing may come between: that page's dictionary stays as it is.
 void CPDFWriteFile::ClosePageDictionary() {
-  if (!pageDictionaryOpen_ || contentCompressor_) return;
+  if (!pageDictionaryOpen_ || CodecOpen()) return;
   pageDictionaryOpen_ = false;
   out_.Text(">>\rendobj\r");
   if (metadataObject_ > 0) WriteMetadata();
@@ -99,6 +99,7 @@ void CPDFWriteFile::ClosePageDictionary() {
 void CPDFWriteFile::Finish() {
   if (!started_ || finished_) return;
   EndPage();
+  CutRasterShort();
   finished_ = true;
   if (options_.pdfa == 0) WriteOptionalContent();
   WriteResources();
@@ -136,6 +137,7 @@ void CPDFWriteFile::WriteOptionalContent() {
 
 void CPDFWriteFile::WriteResources() {
   BeginReserved(resourcesObject_).Text("<<\r/Procset [/PDF /Text /ImageB]\r");
+  WriteXObjects();
   if (options_.pdfa == 0) {
     out_.Text("/Properties <<\r");
     for (int32_t i = 0; i < static_cast<int32_t>(layers_.all().size()); ++i) {

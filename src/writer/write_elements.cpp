@@ -63,7 +63,7 @@ uint32_t CPDFWriteFile::WriteElement(ElementRecord &record) {
     case ElemNamedProperty:
       return WriteProperty(record);
     case ElemRasterPlacement:
-      return PlaceRaster();
+      return PlaceRaster(record);
     case ElemComposite:
       BeginElement(record);
       record.flags |= kCompositeSeen;
@@ -120,7 +120,8 @@ uint32_t CPDFWriteFile::DrawPayload(const ElementRecord &record, Rest... rest) {
 // False when the element is to be dropped without a word: there are no layers, or the page has ended.
 bool CPDFWriteFile::BeginElement(const ElementRecord &record) {
   if (layers_.empty() || pageEnded_ || !started_) return false;
-  if (!contentCompressor_) OpenContent();
+  CutRasterShort();
+  if (contentStart_ == 0) OpenContent();
   content_.Select(record);
   return true;
 }
@@ -138,7 +139,7 @@ void CPDFWriteFile::OpenContent() {
 void CPDFWriteFile::CloseContent() {
   content_.End();
   out_.SetCodec(nullptr);
-  contentCompressor_->flush();
+  if (contentCompressor_) contentCompressor_->flush();
   contentCompressor_.reset();
   const int64_t length = out_.Position() - contentStart_;
   out_.Text("\nendstream\rendobj\r");
@@ -156,8 +157,11 @@ void CPDFWriteFile::WriteEmptyContent() {
 uint32_t CPDFWriteFile::EndPage() {
   if (pageEnded_ || !started_) return FilterOk;
   pageEnded_ = true;
-  if (contentCompressor_)
+  CutRasterShort();
+  if (contentStart_ != 0)
     CloseContent();
+  else if (!placements_.waiting().empty())
+    WriteImagesContent();
   else
     WriteEmptyContent();
   return FilterOk;
@@ -174,17 +178,12 @@ uint32_t CPDFWriteFile::WriteProperty(const ElementRecord &record) {
 
 // Belongs into the page's dictionary, so it can be taken only while that is open.
 uint32_t CPDFWriteFile::WriteCoordinateSystem(std::span<const uint8_t> bytes) {
-  if (!pageDictionaryOpen_ || contentCompressor_) return FilterConsumed;
+  if (!pageDictionaryOpen_ || CodecOpen()) return FilterConsumed;
   const auto block = LoadAs<CoordinateSystemBlock>(bytes.data());
   if (options_.geoTiff == 0 || TellsNothing(block)) return FilterOk;
   out_.Drain();
   WriteGeoreference(*this, block, {page_.scale, page_.originX, page_.originY});
   return FilterOk;
-}
-
-// Only these two sections know placements. Rasters are not written yet, so nothing is kept of it.
-uint32_t CPDFWriteFile::PlaceRaster() const {
-  return section_ == KAPDF_SECTION_DRAWING || section_ == KAPDF_SECTION_RASTERS ? FilterConsumed : FilterNotAvailable;
 }
 
 }  // namespace kapdf

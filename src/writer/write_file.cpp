@@ -19,10 +19,6 @@ void CPDFWriteFile::EndSection(int32_t section) {
   section_ = 0;
 }
 
-uint32_t CPDFWriteFile::OpenRaster(const ElementRecord &) { return FilterBadRaster; }
-
-uint32_t CPDFWriteFile::WriteRow(const ElementRecord &) { return FilterNoRasterOpen; }
-
 int32_t CPDFWriteFile::ReserveHere() {
   AppendHere();
   return Reserve();

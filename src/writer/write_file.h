@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,6 +15,8 @@
 #include "pdfmodel/xref_table.h"
 #include "writer/page_content.h"
 #include "writer/page_layout.h"
+#include "writer/placements.h"
+#include "writer/raster_out.h"
 #include "writer/tables.h"
 #include "writer/text_out.h"
 #include "writer/write_options.h"
@@ -51,11 +54,14 @@ class CPDFWriteFile : public CZVFFile {
   // Ends the content; elements that come later are dropped. A second call does nothing. Returns 0.
   uint32_t EndPage();
 
-  // Rasters are not written yet: `FilterBadRaster`, `FilterNoRasterOpen`.
+  // A raster's header, and its rows one by one, as many as the header says; the last one ends the image. In any section,
+  // before the first element is drawn. One that lacks rows when something else is written is cut short there.
+  // `FilterBadRaster` a form that cannot be written, or a row of a wrong size, which does not count;
+  // `FilterNoRasterOpen` a row without a header, or one too many.
   uint32_t OpenRaster(const ElementRecord &record);
   uint32_t WriteRow(const ElementRecord &record);
-  // Finished part of the raster's rows, 0.0 to 1.0; 1.0 without one.
-  double Fraction() const { return 1.0; }
+  // Finished part of the raster's rows, 0.0 to 1.0, and 1.0 behind the last one.
+  double Fraction() const { return fraction_; }
 
   // Ends the page if it is open, and the document. A writer that was never started writes nothing.
   void Finish();
@@ -81,7 +87,17 @@ class CPDFWriteFile : public CZVFFile {
   uint32_t DrawPayload(const ElementRecord &record, Rest... rest);
   uint32_t WriteProperty(const ElementRecord &record);
   uint32_t WriteCoordinateSystem(std::span<const uint8_t> block);
-  uint32_t PlaceRaster() const;
+
+  // Rasters.
+  uint32_t PlaceRaster(const ElementRecord &record);
+  void WritePalette(const std::vector<uint8_t> &colors);
+  bool WriteImageForm(const RasterShape &shape, RasterCoding coding, int32_t paletteObject);
+  void EndRaster();
+  void CutRasterShort();
+  void WriteImagesContent();
+  void WriteXObjects();
+  bool CodecOpen() const { return contentCompressor_ || raster_; }
+
   void OpenContent();
   void CloseContent();
   void WriteEmptyContent();
@@ -119,8 +135,15 @@ class CPDFWriteFile : public CZVFFile {
   TransparencyTable states_;
   std::vector<int32_t> stateObjects_;
   PageContent content_{out_, options_, page_, layers_, states_};
-  std::unique_ptr<CZVFlate> contentCompressor_;  // open content
-  int64_t contentStart_ = 0;                     // position behind the line of the keyword
+  std::unique_ptr<CZVFlate> contentCompressor_;  // of open content, unless a raster took its place
+  int64_t contentStart_ = 0;                     // position behind the line of the keyword; 0: no open content
+
+  PlacementTable placements_;
+  std::optional<RasterOut> raster_;  // that rows are awaited for
+  int32_t imageCount_ = 0;           // finished ones
+  int32_t imageLengthObject_ = 0;
+  int64_t imageStart_ = 0;
+  double fraction_ = 1;
 
   int32_t section_ = 0;
   bool started_ = false;
