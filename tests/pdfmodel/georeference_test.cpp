@@ -24,14 +24,12 @@ std::string Told(const CoordinateSystemBlock &block) {
   std::memset(plain + 1696, 255, 16);
   std::memcpy(bytes, &block, sizeof bytes);
   std::ostringstream text;
-  for (size_t at = 0; at < sizeof bytes; at += 4) {
-    const bool real = (at >= 1272 && at < 1296) || (at >= 1576 && at < 1656);
-    if (std::memcmp(bytes + at, plain + at, real ? 8 : 4) == 0) continue;
+  for (size_t at = 0, step; at < sizeof bytes; at += step) {
+    step = (at >= 1272 && at < 1296) || (at >= 1576 && at < 1656) ? 8 : 4;  // reals, all else are words
+    if (std::memcmp(bytes + at, plain + at, step) == 0) continue;
     text << at << '=';
-    if (real)
-      text << FormatNumber(LoadAs<double>(bytes + at)) << ' ', at += 4;
-    else
-      text << LoadAs<int32_t>(bytes + at) << ' ';
+    if (step == 4) text << LoadAs<int32_t>(bytes + at) << ' ';
+    if (step == 8) text << FormatNumber(LoadAs<double>(bytes + at)) << ' ';
   }
   return text.str();
 }
@@ -65,7 +63,7 @@ no system <= /LGIDict <</CTM 4>> | /LGIDict <</Projection <</Type /Datum>> /Disp
 1064=7043 <= :/Datum <</Ellipsoid (WD)>>
 656=9811 <= :/Datum <</Ellipsoid (WE1)>> /ProjectionType (NT)
 1272=6378137.5 1280=298.25 1288=6 <= :/Datum <</Ellipsoid <</SemiMajorAxis (6378137.5) /InvFlattening 298.25 /SemiMinorAxis 6>> >>
-656=9807 860=6326 1512=5 1516=8801 1520=8802 1524=8805 1528=8806 1532=8807 1576=-0.7853981633974484 1592=0.9996 1600=5 1608=-1000 <= :/ProjectionType (TC) /OriginLatitude (-45) /ScaleFactor (0.9996) /FalseEasting 5 /FalseNorthing (-1e3 m)
+656=9807 860=6326 1512=5 1516=8801 1520=8802 1524=8805 1528=8806 1532=8807 1576=-0.785398163397448 1592=0.9996 1600=5 1608=-1000 <= :/ProjectionType (TC) /OriginLatitude (-45) /ScaleFactor (0.9996) /FalseEasting 5 /FalseNorthing (-1e3 m)
 656=9802 860=6326 1512=6 1516=8801 1520=8802 1524=8823 1528=8824 1532=8806 1536=8807 <= :/ProjectionType (LE) /StandardParallelOne /A /FalseEasting (1e999)
 656=9829 860=6326 1512=4 1516=8806 1520=8807 1524=8832 1528=8833 1592=3.141592653589793 <= :/ProjectionType (PG) /LongitudeDownFromPole 180
 )";
