@@ -1,6 +1,7 @@
 // Least squares circles and ellipses from running sums.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 namespace kapdf {
@@ -16,28 +17,28 @@ class CurveFit {
       originX_ = x;
       originY_ = y;
     }
-    if (x > maxX_) maxX_ = x;
-    if (x < minX_) minX_ = x;
-    if (y > maxY_) maxY_ = y;
-    if (y < minY_) minY_ = y;
+    maxX_ = std::max(maxX_, x);
+    minX_ = std::min(minX_, x);
+    maxY_ = std::max(maxY_, y);
+    minY_ = std::min(minY_, y);
     const double dx = x - originX_, dy = y - originY_;
     const double xx = dx * dx, yy = dy * dy, xy = dx * dy, square = xx + yy;
     sum_.x += dx;
     sum_.y += dy;
     sum_.xx += xx;
     sum_.yy += yy;
-    sum_.xy += xy;
     sum_.xr += dx * square;
     sum_.yr += dy * square;
     sum_.xxx += xx * dx;
     sum_.yyy += yy * dy;
-    sum_.xxy += xx * dy;
-    sum_.xyy += dx * yy;
     sum_.xxxx += xx * xx;
     sum_.yyyy += yy * yy;
-    sum_.xxyy += xx * yy;
+    sum_.xxy += dx * xy;
+    sum_.xyy += dy * xy;
     sum_.xxxy += xx * xy;
-    sum_.xyyy += xy * yy;
+    sum_.xyyy += yy * xy;
+    sum_.xy += xy;
+    sum_.xxyy += xx * yy;
   }
 
   // 1 with centre and radius set; 0 when the points do not tell a circle: the determinant is below 1e-5 in size, by no
@@ -65,9 +66,9 @@ class CurveFit {
  private:
   static constexpr double kFarthest = 1e10;
   // Named by the powers of dx and dy; r is dx^2 + dy^2.
-  struct Sums {
-    double x = 0, y = 0, xx = 0, yy = 0, xy = 0, xr = 0, yr = 0, xxx = 0, yyy = 0, xxy = 0, xyy = 0;
-    double xxxx = 0, yyyy = 0, xxyy = 0, xxxy = 0, xyyy = 0;
+  struct Sums {  // in pairs that compilers add as one
+    double x = 0, y = 0, xx = 0, yy = 0, xr = 0, yr = 0, xxx = 0, yyy = 0;
+    double xxxx = 0, yyyy = 0, xxy = 0, xyy = 0, xxxy = 0, xyyy = 0, xy = 0, xxyy = 0;
   };
 
   bool FitConic(bool assumeZero);

@@ -62,24 +62,33 @@ bool FitsCircle(std::span<const double> points, const CurveFit &fit, double tole
   return true;
 }
 
-// Whether points are near to an ellipse. The distance along the line from the centre is no less than the real one and
-// much cheaper: most points need no other.
+// Whether points are near to an ellipse. Most of them need no distance. With q = (u/a)^2 + (v/b)^2, what is left along
+// the line from the centre is |1 - 1/sqrt(q)| of the point's distance from it, below |q - 1| a while that is small; and
+// it is no less than the real distance.
 class Band {
  public:
   Band(const Ellipse &ellipse, double limit)
-      : ellipse_(ellipse), limit_(limit), cos_(std::cos(ellipse.rotation)), sin_(std::sin(ellipse.rotation)) {}
+      : ellipse_(ellipse),
+        limit_(limit),
+        plainLimit_(std::min(limit, kPlainReach)),
+        uOfX_(std::cos(ellipse.rotation) / ellipse.a),
+        uOfY_(std::sin(ellipse.rotation) / ellipse.a),
+        vOfX_(-std::sin(ellipse.rotation) / ellipse.b),
+        vOfY_(std::cos(ellipse.rotation) / ellipse.b) {}
   bool Holds(double x, double y) const {
     const double dx = x - ellipse_.centreX, dy = y - ellipse_.centreY;
-    const double u = (dx * cos_ + dy * sin_) / ellipse_.a, v = (dy * cos_ - dx * sin_) / ellipse_.b;
-    const double beyond = std::fabs(1 - 1 / std::sqrt(u * u + v * v));
-    if (beyond * std::sqrt(dx * dx + dy * dy) <= limit_ * ellipse_.a) return true;
+    const double u = dx * uOfX_ + dy * uOfY_, v = dx * vOfX_ + dy * vOfY_, square = u * u + v * v;
+    if (std::fabs(square - 1) <= plainLimit_) return true;
+    const double beyond = std::fabs(1 - 1 / std::sqrt(square)) * std::sqrt(dx * dx + dy * dy);
+    if (beyond <= limit_ * ellipse_.a) return true;
     double angle;
     return std::fabs(ellipse_.Distance(x, y, angle) / ellipse_.a) <= limit_;
   }
 
  private:
+  static constexpr double kPlainReach = 0.4;
   const Ellipse &ellipse_;
-  double limit_, cos_, sin_;
+  double limit_, plainLimit_, uOfX_, uOfY_, vOfX_, vOfY_;
 };
 
 bool FitsEllipse(std::span<const double> points, const Ellipse &ellipse, double tolerance) {
