@@ -98,6 +98,24 @@ class Sheet {
                     uint32_t color = 256) {
     return Draw(ElemLine, LinePayload{width, x1, y1, x2, y2}, layer, color);
   }
+  uint32_t Raster(uint32_t width, uint32_t height, uint32_t pixelType, uint8_t *palette = nullptr, uint32_t dpi = 254) {
+    RasterHeaderPayload header{width, height, 0, 0, dpi, 0, pixelType, palette};
+    return writer_->OpenRaster(RecordOf(ElemRasterHeader, &header));
+  }
+  uint32_t Row(std::string bytes) {
+    ElementRecord record = RecordOf(ElemRasterRows, bytes.data());
+    record.payloadBytes = static_cast<uint32_t>(bytes.size());
+    return writer_->WriteRow(record);
+  }
+  // 0.1 mm a pixel, unless the raster has another resolution.
+  uint32_t Place(int32_t section, uint64_t key, RasterPlacementPayload place, uint32_t color = 256) {
+    ElementRecord record = RecordOf(ElemRasterPlacement, &place, u"A", color);
+    record.imageKey = key;
+    writer_->BeginSection(section);
+    const uint32_t result = writer_->WriteElement(record);
+    writer_->EndSection(section);
+    return result;
+  }
   std::string Finish() {
     writer_->Finish();
     writer_.reset();
