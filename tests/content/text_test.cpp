@@ -41,8 +41,8 @@ TEST(Text, Runs) {
       {"[(AB) -100 (CD)] TJ", "'ABCD' 0,0\n"},  // a small kern stays inside
       {"[(AB) -1000 (CD)] TJ (E)Tj", "'AB' 0,0\n'CD' 20,0\n'E' 30,0\n"},
       {"[(AB)(C)-300 ] TJ (D) Tj", "'ABC' 0,0\n'D' 18,0\n"},  // a kern behind the last string counts, too
-      {"[ -2000 (A)] TJ", "'A' 0,0\n"},                                // nothing counts ahead of the first string
-      {"(  AB) Tj", "'AB' 5,0\n"},                                     // blanks move the pen
+      {"[ -2000 (A)] TJ", "'A' 0,0\n"},                       // nothing counts ahead of the first string
+      {"(  AB) Tj", "'AB' 5,0\n"},                            // blanks move the pen
       {"(A B) Tj", "'A B' 0,0\n"},
       {"2 Tw (A B) Tj", "'A' 0,0\n'B' 9.5,0\n"},  // wide ones cut
       {"0.5 Tw (A B) Tj (C) Tj", "'A B' 0,0\n'C' 13,0\n"},
