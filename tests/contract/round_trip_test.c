@@ -11,6 +11,9 @@ static double corners[] = {20.125, 30.5, 120.75, 31.25, 121, 99.999, 60.0625, 14
 static double area[] = {40, 40, 100, 40, 100, 100, 40, 100, 50, 50, 50, 60, 60, 60, 60, 50};
 static uint32_t starts[] = {0, 4, 8};
 static LinePayload line = {0.35, 10.123, 20.456, 190.789, 130.987};
+static CirclePayload circle = {0.25, 100, 75, 25};
+static ArcPayload arc = {0.25, 100, 75, 20, -1.5, 0.5}; /* end, then start */
+static EllipseArcPayload ellipse = {0.25, 100, 75, 24, 12, 0.25, 1, 5};
 
 static void Export(const char *path) {
   FilterObject *filter = writeRow->create(NULL);
@@ -39,8 +42,9 @@ static void Export(const char *path) {
   polygon.vertices = area;
   polygon.opacity = 50;
   EQUAL(0, Send(filter, ElemFilledPolygon, &polygon, sizeof polygon));
-  CirclePayload circle = {0.25, 100, 75, 25};
   EQUAL(0, Send(filter, ElemCircle, &circle, sizeof circle));
+  EQUAL(0, Send(filter, ElemArc, &arc, sizeof arc));
+  EQUAL(0, Send(filter, ElemEllipseArc, &ellipse, sizeof ellipse));
   EQUAL(0, filter->table->EndSection(filter, 4, 0, 0));
   EQUAL(0, Send(filter, ElemEndOfPage, NULL, 0));
   EQUAL(0, filter->table->Close(filter));
@@ -112,16 +116,35 @@ static void ImportPolygon(FilterObject *filter) {
   }
 }
 
-static void ImportCircle(FilterObject *filter) {
+/* What was drawn as curves is fitted again: a part of an ellipse less closely than a part of a circle. */
+static void ImportCurves(FilterObject *filter) {
   ElementRecord record;
-  if (!Next(filter, &record, ElemPolyline)) return;
-  PolylinePayload in;
-  memcpy(&in, record.payload, sizeof in);
-  CHECK(in.vertexCount > 16);
-  const double radius = 25 * kFactor;
-  for (int i = 0; i < in.vertexCount; ++i) {
-    const double x = in.vertices[2 * i] - 100 * kFactor, y = in.vertices[2 * i + 1] - 75 * kFactor;
-    NEAR(radius * radius, x * x + y * y, 2 * 0.0003 * radius * radius);
+  if (Next(filter, &record, ElemCircle)) {
+    CirclePayload in;
+    EQUAL(sizeof in, record.payloadBytes);
+    memcpy(&in, record.payload, sizeof in);
+    NEAR(circle.width, in.width, kTolerance);
+    NEAR(circle.cx * kFactor, in.cx, 0.01);
+    NEAR(circle.cy * kFactor, in.cy, 0.01);
+    NEAR(circle.radius * kFactor, in.radius, 0.0003 * circle.radius);
+  }
+  if (Next(filter, &record, ElemArc)) {
+    ArcPayload in;
+    EQUAL(sizeof in, record.payloadBytes);
+    memcpy(&in, record.payload, sizeof in);
+    NEAR(arc.radius * kFactor, in.radius, 0.0003 * arc.radius);
+    NEAR(arc.startAngle, in.startAngle, 0.001);
+    NEAR(arc.endAngle, in.endAngle, 0.001);
+  }
+  if (Next(filter, &record, ElemEllipseArc)) {
+    EllipseArcPayload in;
+    EQUAL(sizeof in, record.payloadBytes);
+    memcpy(&in, record.payload, sizeof in);
+    NEAR(ellipse.majorRadius * kFactor, in.majorRadius, 0.002 * ellipse.majorRadius);
+    NEAR(ellipse.minorRadius * kFactor, in.minorRadius, 0.002 * ellipse.majorRadius);
+    NEAR(ellipse.rotation, in.rotation, 0.001);
+    NEAR(ellipse.startAngle, in.startAngle, 0.005);
+    NEAR(ellipse.endAngle, in.endAngle, 0.005);
   }
 }
 
@@ -137,7 +160,7 @@ void TestRoundTrip(void) {
   Next(filter, &record, ElemLayerDef);
   ImportLineAndPolyline(filter);
   ImportPolygon(filter);
-  ImportCircle(filter);
+  ImportCurves(filter);
   EQUAL(FilterEndOfElements, filter->table->ReadElement(filter, &record));
   EQUAL(0, filter->table->Close(filter));
   readRow->destroy(filter);
