@@ -132,7 +132,7 @@ static void ImportCurves(FilterObject *filter) {
     ArcPayload in;
     EQUAL(sizeof in, record.payloadBytes);
     memcpy(&in, record.payload, sizeof in);
-    NEAR(arc.radius * kFactor, in.radius, 0.0003 * arc.radius);
+    NEAR(arc.radius * kFactor, in.radius, 0.001 * arc.radius);
     NEAR(arc.startAngle, in.startAngle, 0.001);
     NEAR(arc.endAngle, in.endAngle, 0.001);
   }
