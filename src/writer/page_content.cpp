@@ -29,9 +29,7 @@ void PageContent::Begin() {
   PutPageMatrix();
 }
 
-void PageContent::PutPageMatrix() {
-  out_.Real(page_.scale).Text(" 0 0 ").Real(page_.scale).Text(" 0 0 cm\n");
-}
+void PageContent::PutPageMatrix() { out_.Real(page_.scale).Text(" 0 0 ").Real(page_.scale).Text(" 0 0 cm\n"); }
 
 void PageContent::End() { out_.Text(options_.pdfa != 0 ? "Q" : "EMC\nQ"); }
 

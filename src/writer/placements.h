@@ -16,8 +16,8 @@ struct ImageEntry {
   uint32_t dpi = 1;
 };
 
-// Images and placements find each other by order of arrival: the host's first identity is the first image. An image that
-// has not come yet has no size.
+// Images and placements find each other by order of arrival: the host's first identity is the first image. An image
+// that has not come yet has no size.
 class PlacementTable {
  public:
   // A placement that waits for the end of the page.

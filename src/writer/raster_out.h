@@ -42,8 +42,9 @@ class RasterOut {
   // `file` is borrowed; the coded data start at its position.
   RasterOut(CZVBaseIO &file, RasterShape shape, RasterCoding coding, int32_t quality);
 
-  // A row's bytes, those behind its last pixel left out; of a bilevel raster a list of runs or one byte a pixel, what is
-  // set paints. `FilterBadRaster`: the row is too short or of no known form, and does not count; or it was not taken.
+  // A row's bytes, those behind its last pixel left out; of a bilevel raster a list of runs or one byte a pixel, what
+  // is set paints. `FilterBadRaster`: the row is too short or of no known form, and does not count; or it was not
+  // taken.
   uint32_t AddRow(const ElementRecord &record);
   // Ends the coded data, whether or not all rows have come.
   void Finish() { codec_->flush(); }

@@ -97,8 +97,8 @@ void CPDFWriteFile::CutRasterShort() {
   ++imageCount_;
 }
 
-// Only these two sections know placements. In the first the image is drawn at once, in the second with the end of a page
-// that has nothing else.
+// Only these two sections know placements. In the first the image is drawn at once, in the second with the end of a
+// page that has nothing else.
 uint32_t CPDFWriteFile::PlaceRaster(const ElementRecord &record) {
   if (section_ != KAPDF_SECTION_DRAWING && section_ != KAPDF_SECTION_RASTERS) return FilterNotAvailable;
   if (!record.payload || pageEnded_ || !started_) return FilterConsumed;

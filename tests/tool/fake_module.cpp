@@ -122,7 +122,7 @@ class Script {
     Add(ElemRasterHeader, RasterHeaderPayload{2, 2, 0, 0, 300, 1, 2, palette});
     Add(ElemRasterRows, uint64_t{0x1122334455667788u}).payloadBytes = 5;
     // This one's header cannot be had.
-    Add(ElemRasterPlacement, RasterPlacementPayload{1, 2, 0, 1, 1, 100, {}, 0});
+    Add(ElemRasterPlacement, RasterPlacementPayload{1, 2, 0, 1, 1, 100, {}, 0}).imageKey = 0x8000000000000001u;
     // The first two definitions come in one call.
     records_[1].next = &records_[2];
   }

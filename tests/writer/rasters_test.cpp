@@ -17,9 +17,7 @@ std::string TwoColors() {
 }
 
 // What stands between the page's objects and the content of a page.
-std::string Objects(const std::string &file) {
-  return Between(file, "/Transparency >>\r>>\rendobj\r", "7 0 obj\r");
-}
+std::string Objects(const std::string &file) { return Between(file, "/Transparency >>\r>>\rendobj\r", "7 0 obj\r"); }
 
 TEST(Rasters, EveryFormUnderEveryCompression) {
   const Workspace workspace;
@@ -74,7 +72,8 @@ TEST(Rasters, EveryFormUnderEveryCompression) {
     if (hasPalette) expected = "8 0 obj\r<<\r/Length 6>>\rstream\r\n\xFF\0\0\0\0\xFF\r\nendstream\rendobj\r"s;
     expected += number + " 0 obj\r<<\r/Type /XObject\r/Subtype /Image\r/Length " + lengthNumber +
                 " 0 R\r/Name /Im0\r/Width 3\r/Height 2\r" + c.form;
-    const std::string data = c.data == "?" ? Between(objects, c.form + ">>\rstream\r\n", "\r\nendstream") : c.data + c.data;
+    const std::string data =
+        c.data == "?" ? Between(objects, c.form + ">>\rstream\r\n", "\r\nendstream") : c.data + c.data;
     if (written) {
       expected += ">>\rstream\r\n" + data + "\r\nendstream\rendobj\r" + lengthNumber + " 0 obj\r" +
                   std::to_string(data.size()) + "\rendobj\r";
@@ -157,10 +156,10 @@ TEST(Rasters, DrawnAtOnceOrWithTheEndOfThePage) {
   EXPECT_EQ(drawn.Place(4, 6, plain), FilterConsumed) << "of an image that never comes";
   EXPECT_EQ(drawn.Place(2, 70, plain), FilterNotAvailable);
   const std::string red = "1.00 0.00 0.00 rg\nq\n";
-  EXPECT_EQ(ContentOf(drawn.Finish()),
-            "q\n1 j\n2.835 0 0 2.835 0 0 cm\n1.00 0.00 0.00 RG\n/OC /oc0 BDC\n" + red + first + sizes[0] +
-                "/Im0 Do\nQ\n/GS1 gs\n" + red + second + sizes[1] + "/Im1 Do\nQ\n/GS2 gs\n" + red + first + sizes[0] +
-                "/Im0 Do\nQ\n" + red + first + sizes[2] + "/Im2 Do\nQ\nEMC\nQ");
+  EXPECT_EQ(ContentOf(drawn.Finish()), "q\n1 j\n2.835 0 0 2.835 0 0 cm\n1.00 0.00 0.00 RG\n/OC /oc0 BDC\n" + red +
+                                           first + sizes[0] + "/Im0 Do\nQ\n/GS1 gs\n" + red + second + sizes[1] +
+                                           "/Im1 Do\nQ\n/GS2 gs\n" + red + first + sizes[0] + "/Im0 Do\nQ\n" + red +
+                                           first + sizes[2] + "/Im2 Do\nQ\nEMC\nQ");
 
   Sheet waiting(workspace);
   waiting.Layer(u"A", 1);
@@ -169,9 +168,9 @@ TEST(Rasters, DrawnAtOnceOrWithTheEndOfThePage) {
   EXPECT_EQ(waiting.Place(6, 2, turned, 0x8000FF00), FilterConsumed);
   EXPECT_EQ(waiting.Place(6, 3, plain), FilterConsumed);
   const std::string file = waiting.Finish(), matrix = "q\n2.835 0 0 2.835 0 0 cm\n";
-  const std::string content = "q\n/GS1 gs\n/GS2 gs\n0.00 1.00 0.00 rg\n" + matrix + second + "0.200 0 0 0.400 0 0 cm\n" +
-                              "/Im0 Do\nQ\n" + matrix + second + sizes[1] + "/Im1 Do\nQ\n1.00 0.00 0.00 rg\n" + matrix +
-                              first + sizes[2] + "/Im2 Do\nQ\nQ";
+  const std::string content = "q\n/GS1 gs\n/GS2 gs\n0.00 1.00 0.00 rg\n" + matrix + second +
+                              "0.200 0 0 0.400 0 0 cm\n" + "/Im0 Do\nQ\n" + matrix + second + sizes[1] +
+                              "/Im1 Do\nQ\n1.00 0.00 0.00 rg\n" + matrix + first + sizes[2] + "/Im2 Do\nQ\nQ";
   EXPECT_NE(file.find("7 0 obj\r<<\r/Length 12 0 R\r>>\rstream\r\n" + content + "\nendstream\rendobj\r12 0 obj\r" +
                       std::to_string(content.size()) + "\rendobj\r"),
             std::string::npos)

@@ -43,6 +43,7 @@ struct ImportRequest {
 
 struct ExportRequest {
   std::string drawing;  // "-": the standard input
+  std::string folder;   // that the drawing's pictures are named from
   std::optional<int> page;
   std::string options;
   std::string output;

@@ -6,7 +6,9 @@
 #include "dash_breaker.h"
 #include "drawing.h"
 #include "kinds.h"
+#include "picture_rows.h"
 #include "progress.h"
+#include "raster_plan.h"
 #include "results.h"
 #include "summary.h"
 #include "utf.h"
@@ -15,6 +17,8 @@ namespace kapdf::tool {
 namespace {
 
 constexpr int32_t kNewDocument = -1;
+
+bool IsRaster(uint32_t kind) { return kind == ElemRasterHeader || kind == ElemRasterRows; }
 
 bool IsTable(uint32_t kind) { return kind == ElemLayerDef || kind == ElemLineTypeDef || kind == ElemFontDef; }
 
@@ -64,12 +68,20 @@ Box ExtentsOf(const Drawing &drawing, const Tables &tables) {
 
 class DrawingWriter {
  public:
-  DrawingWriter(const Drawing &drawing, const Tables &tables, Filter &filter, Progress &progress)
-      : drawing_(drawing), tables_(tables), filter_(filter), progress_(progress) {
+  // `folder`: that the drawing's pictures are named from.
+  DrawingWriter(const Drawing &drawing, const Tables &tables, const std::string &folder, Filter &filter,
+                Progress &progress)
+      : drawing_(drawing),
+        tables_(tables),
+        folder_(PathOf(folder)),
+        plan_(PlanRasters(drawing)),
+        filter_(filter),
+        progress_(progress) {
     element_.progress = progress.object();
   }
 
-  // Properties come first: the page's dictionary is closed with their section.
+  // Properties come first: the page's dictionary is closed with their section. Rasters come ahead of everything drawn:
+  // the module cannot take them once the content is open.
   Outcome Write() {
     InitElement(element_);
     Begin(KAPDF_SECTION_PAGE);
@@ -82,7 +94,11 @@ class DrawingWriter {
     End(KAPDF_SECTION_TABLES);
     if (!outcome.ok()) return outcome;
     Begin(KAPDF_SECTION_DRAWING);
-    outcome = WriteKinds([](uint32_t kind) { return kind != ElemNamedProperty && !IsTable(kind); });
+    outcome = WriteRasters();
+    if (outcome.ok()) {
+      outcome =
+          WriteKinds([](uint32_t kind) { return kind != ElemNamedProperty && !IsTable(kind) && !IsRaster(kind); });
+    }
     if (outcome.ok()) {
       InitElement(element_);
       element_.kind = ElemEndOfPage;
@@ -102,9 +118,14 @@ class DrawingWriter {
 
   template <class Wanted>
   Outcome WriteKinds(Wanted wanted) {
-    for (const Record &record : drawing_.records) {
+    for (size_t i = 0; i < drawing_.records.size(); ++i) {
+      const Record &record = drawing_.records[i];
       if (!wanted(record.kind)) continue;
       FillElement(record, drawing_.names, element_);
+      if (record.kind == ElemRasterPlacement && !FindImage(i)) {
+        refused_.Count(record.kind);
+        continue;
+      }
       if (Outcome written = WriteOne(); !written.ok()) return written;
       if (progress_.Report(static_cast<double>(++done_) / static_cast<double>(drawing_.records.size()))) {
         return Interrupted();
@@ -112,6 +133,83 @@ class DrawingWriter {
     }
     return {};
   }
+
+  // False when the placement's image is not there.
+  bool FindImage(size_t placement) {
+    const auto image = plan_.placed.find(placement);
+    if (image == plan_.placed.end() || missingImages_.contains(image->second)) return false;
+    element_.imageKey = plan_.images[image->second].key;
+    return true;
+  }
+
+  Outcome WriteRasters() {
+    ProgressObject *const progress = element_.progress;
+    element_.progress = nullptr;  // a raster's own
+    Outcome outcome;
+    for (size_t i = 0; i < plan_.images.size() && outcome.ok(); ++i) {
+      outcome = WriteRaster(i);
+      progress_.Report(static_cast<double>(++done_) / static_cast<double>(drawing_.records.size()));
+    }
+    element_.progress = progress;
+    return outcome;
+  }
+
+  // An image without rows, or with fewer than it lacks, is none.
+  Outcome WriteRaster(size_t index) {
+    const RasterPlan::Image &image = plan_.images[index];
+    const Record &header = drawing_.records[image.header];
+    FillElement(header, drawing_.names, element_);
+    PictureRows picture;
+    if (header.file) {
+      if (Outcome opened = picture.Open(folder_ / PathOf(*header.file), *header.file, element_); !opened.ok()) {
+        return opened;
+      }
+    }
+    RasterHeaderPayload shape{};
+    CopyPayload(element_, shape);
+    const size_t lines = image.rowsEnd - image.header - 1;
+    if ((!header.file && lines < (size_t{shape.height} + 1) / 2) || !Taken(Send())) {
+      refused_.Count(ElemRasterHeader);
+      missingImages_.insert(index);
+      return {};
+    }
+    written_.Count(ElemRasterHeader);
+    InitElement(element_);
+    return header.file ? WritePictureRows(picture, shape) : WriteRowLines(image, shape);
+  }
+
+  Outcome WritePictureRows(PictureRows &picture, const RasterHeaderPayload &shape) {
+    element_.kind = ElemRasterRows;
+    for (uint32_t row = 0; row < shape.height; ++row) {
+      if (Outcome read = picture.Next(element_); !read.ok()) return read;
+      if (!Taken(Send())) refused_.Count(ElemRasterRows);
+      if (InterruptGuard::Requested()) return Interrupted();
+    }
+    return {};
+  }
+
+  // What does not come as a line is a row of zeros.
+  Outcome WriteRowLines(const RasterPlan::Image &image, const RasterHeaderPayload &shape) {
+    uint32_t rows = 0;
+    for (size_t i = image.header + 1; i < image.rowsEnd; ++i) {
+      FillElement(drawing_.records[i], drawing_.names, element_);
+      const bool taken = Taken(Send());
+      (taken ? written_ : refused_).Count(ElemRasterRows);
+      rows += taken ? 1 : 0;
+      if (InterruptGuard::Requested()) return Interrupted();
+    }
+    const bool bilevel = (shape.pixelType & 0xFFFF) == 0;
+    std::vector<uint8_t> zeros(bilevel ? 4 : size_t{shape.width} * 4);
+    element_.payload = zeros.data();
+    element_.payloadBytes = static_cast<uint32_t>(zeros.size());
+    for (; rows < shape.height && Taken(Send()); ++rows) {
+      if (InterruptGuard::Requested()) return Interrupted();
+    }
+    return {};
+  }
+
+  uint32_t Send() { return filter_.table().WriteElement(filter_.get(), &element_); }
+  static bool Taken(uint32_t result) { return result == FilterOk || result == FilterConsumed; }
 
   // Layers that elements stand on without a definition: black, with the elements' own widths.
   void DefineMissingLayers() {
@@ -140,12 +238,11 @@ class DrawingWriter {
 
   Outcome WriteOne() {
     const uint32_t kind = element_.kind;
-    const uint32_t result = filter_.table().WriteElement(filter_.get(), &element_);
+    const uint32_t result = Send();
     if (result == FilterUnsupported) return WriteInPieces(kind);
     if (result == FilterCancelled) return Interrupted();
     // Tables are always taken so, and a property or a raster may be.
-    const bool taken = result == FilterOk || result == FilterConsumed;
-    (taken ? written_ : refused_).Count(kind);
+    (Taken(result) ? written_ : refused_).Count(kind);
     return {};
   }
 
@@ -169,6 +266,9 @@ class DrawingWriter {
 
   const Drawing &drawing_;
   const Tables &tables_;
+  std::filesystem::path folder_;
+  RasterPlan plan_;
+  std::set<size_t> missingImages_;
   Filter &filter_;
   Progress &progress_;
   ElementRecord element_{};
@@ -215,7 +315,7 @@ Outcome RunExport(const Session &session, const ExportRequest &request) {
     if (result != FilterCannotWrite) RemoveOutput(request.output);
     return Fail("cannot write " + request.output + ": " + OpenResult(result));
   }
-  DrawingWriter writer(drawing, tables, filter, progress);
+  DrawingWriter writer(drawing, tables, request.folder, filter, progress);
   Outcome outcome = writer.Write();
   filter.table().Close(filter.get());
   progress.Clear();

@@ -34,6 +34,7 @@ struct Record {
   uint32_t payloadBytes = 0;
   uint64_t imageKey = 0;
   std::unique_ptr<uint64_t[]> payload;  // structure, then everything it points to
+  std::unique_ptr<std::string> file;    // of a raster header, the picture that holds the rows
 };
 
 // Fills `out`, whose payload then belongs to `record`; `out.progress` stays as it is.

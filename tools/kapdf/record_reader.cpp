@@ -317,10 +317,10 @@ class RecordBuilder {
     return true;
   }
 
-  // Pictures beside the drawing are not read: a header with a "file" stands without rows.
   bool ReadHeaderRest(PayloadBuilder &payload) {
-    if (const JsonValue *file = line_.Find("file"); file != nullptr && file->type != Type::kText) {
-      return Wants("file", "a text");
+    if (const JsonValue *file = line_.Find("file"); file != nullptr) {
+      if (file->type != Type::kText) return Wants("file", "a text");
+      record_.file = std::make_unique<std::string>(file->text);
     }
     const JsonValue *palette = line_.Find("palette");
     if (palette == nullptr) return true;

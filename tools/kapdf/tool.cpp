@@ -103,7 +103,11 @@ Outcome ResolvePaths(CommandLine &line) {
        {&line.info.file, &line.import.file, &line.import.output, &line.import.images, &line.exporting.output}) {
     if (!path->empty()) *path = AbsolutePath(*path);
   }
-  if (line.exporting.drawing != "-") line.exporting.drawing = AbsolutePath(line.exporting.drawing);
+  line.exporting.folder = line.import.folder;
+  if (line.exporting.drawing != "-") {
+    line.exporting.drawing = AbsolutePath(line.exporting.drawing);
+    line.exporting.folder = Utf8Of(PathOf(line.exporting.drawing).parent_path());
+  }
   if (SameFile(line.import.file, line.import.output) || SameFile(line.exporting.drawing, line.exporting.output)) {
     return FailUsage("the output would overwrite the input");
   }
