@@ -109,7 +109,7 @@ void PeerInflateOnly(benchmark::State &state) {
   }
 }
 
-// A page of circles of four curves each, as drawing programs make them, some 45 points when flattened.
+// A page of circles of four curves each, as drawing programs make them, some 70 points when flattened.
 std::string Circles() {
   std::mt19937 random(7);
   const auto tenths = [&](int from, int to) { return std::uniform_int_distribution<int>(from, to)(random) / 10.0; };
