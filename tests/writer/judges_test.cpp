@@ -48,6 +48,16 @@ std::string Output(const std::string &command) {
   return std::regex_replace(text, ownBuild, "") + "[" + std::to_string(status) + "]";
 }
 
+void ExpectAccepted(const std::string &file) {
+  const std::string checked = Output("qpdf --check " + file);
+  EXPECT_NE(checked.find("No syntax or stream encoding errors found"), std::string::npos) << checked;
+  EXPECT_TRUE(checked.ends_with("[0]")) << checked;
+  EXPECT_EQ(checked.find("WARNING"), std::string::npos) << checked;
+  EXPECT_EQ(Output("mutool draw -q -r 20 -o judge.pnm " + file), "[0]");
+  EXPECT_EQ(Output("pdftoppm -r 20 " + file + " judge"), "[0]");
+  EXPECT_EQ(Output("gs -q -dBATCH -dNOPAUSE -dPDFSTOPONERROR -sDEVICE=nullpage " + file), "[0]");
+}
+
 TEST(Judges, AcceptWhatIsWritten) {
   if (!kLinux || std::getenv("KAPDF_NO_JUDGES")) GTEST_SKIP() << "the judges run on Linux";
   const Workspace workspace;
@@ -58,17 +68,69 @@ TEST(Judges, AcceptWhatIsWritten) {
   files.push_back(WriteDrawing(workspace, "archive.pdf"));
   for (const std::string &file : files) {
     SCOPED_TRACE(file);
-    const std::string checked = Output("qpdf --check " + file);
-    EXPECT_NE(checked.find("No syntax or stream encoding errors found"), std::string::npos) << checked;
-    EXPECT_TRUE(checked.ends_with("[0]")) << checked;
-    EXPECT_EQ(checked.find("WARNING"), std::string::npos) << checked;
-    EXPECT_EQ(Output("mutool draw -q -r 20 -o judge.pnm " + file), "[0]");
-    EXPECT_EQ(Output("pdftoppm -r 20 " + file + " judge"), "[0]");
-    EXPECT_EQ(Output("gs -q -dBATCH -dNOPAUSE -dPDFSTOPONERROR -sDEVICE=nullpage " + file), "[0]");
+    ExpectAccepted(file);
   }
 }
 
-// How many pixels a reader paints in each of three places: a hidden line, the fill and the hole of the clear polygon.
+// Every form under every compression that can carry it, placed turned; `pdfimages` gives the pixels back.
+TEST(Judges, GetImagesBack) {
+  if (!kLinux || std::getenv("KAPDF_NO_JUDGES")) GTEST_SKIP() << "the judges run on Linux";
+  constexpr uint32_t kWidth = 37, kHeight = 23;
+  const Workspace workspace;
+  std::string palette(1028, '\0');
+  palette[3] = 1;  // 256 entries
+  for (size_t i = 0; i < 1024; ++i) palette[4 + i] = static_cast<char>(i % 4 < 3 ? 255 - i / 4 * (i % 4 + 1) / 3 : 0);
+  const struct {
+    uint32_t pixelType;
+    int color, bw;
+  } cases[] = {{0, 0, 0}, {0, 0, 1}, {2, 0, 0}, {2, 2, 0}, {2, 1, 0}, {4, 0, 0}, {4, 2, 0}, {4, 1, 0}, {5, 1, 0}};
+  for (const auto &[pixelType, color, bw] : cases) {
+    SCOPED_TRACE(std::to_string(pixelType) + " " + std::to_string(color) + " " + std::to_string(bw));
+    workspace.pdf().WriteInteger(u"ColorCompression", color);
+    workspace.pdf().WriteInteger(u"BWCompression", bw);
+    workspace.pdf().WriteInteger(u"Quality", 95);
+    Sheet sheet(workspace, u"image.pdf");
+    sheet.Start().Layer(u"A", 5).Raster(kWidth, kHeight, pixelType, reinterpret_cast<uint8_t *>(palette.data()));
+    std::string samples;  // as they are to come back
+    for (uint32_t y = 0; y < kHeight; ++y) {
+      std::string row;
+      for (uint32_t x = 0; x < kWidth; ++x) {
+        const auto at = [&](uint32_t step) { return static_cast<char>(x * step + y * 3); };
+        const std::string pixel = pixelType == 0   ? std::string(1, (x / 3 + y / 5) % 2)
+                                  : pixelType == 2 ? std::string(1, at(3))
+                                  : pixelType == 4 ? std::string{at(1), at(2), at(4)}
+                                                   : std::string{at(1), at(2), at(4), '\0'};
+        row += pixel;
+        if (pixelType == 2) samples += palette.substr(4 + 4 * static_cast<uint8_t>(pixel[0]), 3);
+        if (pixelType == 4) samples += pixel;
+        if (pixelType == 5)
+          samples += {static_cast<char>(~pixel[0]), static_cast<char>(~pixel[1]), static_cast<char>(~pixel[2])};
+      }
+      // Facsimile coding has what paints as 0.
+      for (size_t byte = 0; pixelType == 0 && byte < (kWidth + 7) / 8; ++byte) {
+        unsigned bits = 0;
+        for (size_t x = byte * 8; x < byte * 8 + 8; ++x)
+          bits = bits << 1 | (x < kWidth && (row[x] != 0) == (bw == 1) ? 1u : 0u);
+        samples += static_cast<char>(bits);
+      }
+      ASSERT_EQ(sheet.Row(row), FilterOk);
+    }
+    ASSERT_EQ(sheet.Place(4, 1, {20, 10, 0.5, 4, 4, 80, {}, 0}), FilterConsumed);
+    sheet.Finish();
+    ExpectAccepted("image.pdf");
+    ASSERT_EQ(Output("pdfimages image.pdf back"), "[0]");
+    std::ifstream file(pixelType == 0 ? "back-000.pbm" : "back-000.ppm", std::ios::binary);
+    const std::string all(std::istreambuf_iterator<char>(file), {});
+    ASSERT_GT(all.size(), samples.size());
+    const std::string back = all.substr(all.size() - samples.size());
+    int worst = 0;
+    for (size_t i = 0; i < back.size(); ++i) {
+      worst = std::max(worst, std::abs(static_cast<uint8_t>(back[i]) - static_cast<uint8_t>(samples[i])));
+    }
+    EXPECT_LE(worst, color == 1 && pixelType != 0 ? 40 : 0);
+  }
+}
+
 // What a reader paints in four places.
 TEST(Judges, SeeLayersHolesAndOpacity) {
   if (!kLinux || std::getenv("KAPDF_NO_JUDGES")) GTEST_SKIP() << "the judges run on Linux";
