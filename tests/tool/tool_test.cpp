@@ -267,7 +267,38 @@ TEST(Tool, RastersBecomePictures) {
                         "height=\"0.2\" preserveAspectRatio=\"none\" opacity=\"0.5\" xlink"),
             std::string::npos)
       << linked;
-  EXPECT_EQ(Kapdf({"export", "rasters.jsonl", "-o", "rasters.log"}).status, 0);
+
+  // Pictures come back as rasters ahead of everything drawn, each under an identity of its own; what is hidden is
+  // white. The raster that is no picture goes out as it is.
+  const Ran back = Kapdf({"export", "rasters.jsonl", "-o", "rasters.log"});
+  ASSERT_EQ(back.status, 0) << back.err;
+  std::string order, rows;
+  std::istringstream log(Read("rasters.log"));
+  for (std::string line; std::getline(log, line);) {
+    if (!line.starts_with("record kind ")) continue;
+    const std::string kind = line.substr(12, line.find(' ', 12) - 12);
+    order += kind + (kind == "34" ? "=" + line.substr(line.find(" key ") + 5, 1) : "") + " ";
+    if (kind == "5") rows += line.substr(line.rfind(' ') + 1) + " ";
+  }
+  EXPECT_EQ(order, "6 12 5 5 12 5 12 5 5 12 5 12 5 34=1 34=2 34=3 34=4 34=5 1 ");
+  EXPECT_EQ(rows,
+            "0200000000000000000000000400000008000000 010000000000000009000000 "  // ink 0 and 4 to 8; 0 to 9
+            "020100c8 010203040506 000000000000 010203ffffff 0102 ");
+}
+
+TEST(Tool, SaysWhatIsWrongWithAPicture) {
+  const std::string header = R"({"kind":"rasterHeader","pixelsWide":2,"pixelsHigh":1,"pixelType":1,"file":")";
+  Write("text.png", "no picture");
+  ASSERT_EQ(Kapdf({"import", "rasters.pdf", "--images", "pics 1", "-o", "rasters.jsonl"}).status, 0);
+  for (const auto &[file, says] : {std::pair{"gone.png", "cannot read gone.png"},
+                                   {"text.png", "no PNG picture"},
+                                   {"pics 1/page1-Im.png", "is 4 x 1 pixels"},
+                                   {"pics 1/page1-im-3.png", "of another form"}}) {
+    const Ran ran = Kapdf({"export", "-", "-o", "gone.pdf"}, header + file + "\"}\n");
+    EXPECT_EQ(ran.status, 1);
+    EXPECT_NE(ran.err.find(says), std::string::npos) << ran.err;
+    EXPECT_FALSE(std::filesystem::exists("gone.pdf"));
+  }
 }
 
 }  // namespace
