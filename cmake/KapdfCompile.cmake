@@ -45,6 +45,8 @@ if(KAPDF_SANITIZE)
 endif()
 
 if(WIN32)
+  # The compiler takes the stack to be aligned for wide registers, which it is not on Windows.
+  target_compile_options(kapdf_options INTERFACE -Wa,-muse-unaligned-vector-move)
   target_compile_definitions(kapdf_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
   # System DLLs only, and the same bytes from the same sources.
   target_link_options(kapdf_options INTERFACE -static -Wl,--no-insert-timestamp $<$<CONFIG:Release>:-s>)

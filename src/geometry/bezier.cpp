@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/limits.h"
+#include "geometry/lanes.h"
 
 namespace kapdf {
 namespace {
@@ -37,8 +38,7 @@ struct Powers {
   Point cubic, square, linear, middle;
 };
 
-// Two points, x and y in turn, at four lanes' worth of whatever the processor has.
-using TwoPoints = double __attribute__((vector_size(32)));
+using TwoPoints = FourLanes;  // x and y in turn
 
 [[gnu::always_inline]] inline void PushInnerPairs(double *out, int steps, const Powers &powers) {
   const TwoPoints cubic = {powers.cubic.x, powers.cubic.y, powers.cubic.x, powers.cubic.y};
@@ -66,14 +66,13 @@ using TwoPoints = double __attribute__((vector_size(32)));
   }
 }
 
-[[gnu::target("avx2")]] void PushInnerWide(double *out, int steps, const Powers &powers) {
+KAPDF_WIDE_LANES void PushInnerWide(double *out, int steps, const Powers &powers) {
   PushInnerPairs(out, steps, powers);
 }
 
-// The points between both ends. Wide registers give the same bits, as nothing is fused.
+// The points between both ends.
 void PushInner(double *out, int steps, const Powers &powers) {
-  static const bool wide = __builtin_cpu_supports("avx2");
-  wide ? PushInnerWide(out, steps, powers) : PushInnerPairs(out, steps, powers);
+  HasWideLanes() ? PushInnerWide(out, steps, powers) : PushInnerPairs(out, steps, powers);
 }
 
 // One coordinate of a point whose differences may not be representable: every value on the way lies between two others.

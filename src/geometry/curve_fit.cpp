@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "geometry/conic.h"
+#include "geometry/lanes.h"
 #include "geometry/matrix.h"
 
 namespace kapdf {
@@ -19,6 +20,81 @@ constexpr double kSmallestSquareTerm = 1e-9;
 constexpr double kEighthTurn = 1e-6;  // of the cosine of twice the rotation
 
 }  // namespace
+
+// Sums of every fourth point in a lane of their own.
+[[gnu::always_inline]] inline void CurveFit::AddFoursInline(const double *points, size_t fours, CurveFit &fit) {
+  FourLanes x = {}, y = {}, xx = {}, yy = {}, xr = {}, yr = {}, xy = {}, xxx = {}, yyy = {}, xxy = {}, xyy = {},
+            xxxx = {}, yyyy = {}, xxxy = {}, xyyy = {}, xxyy = {};
+  FourLanes least = {fit.minX_, fit.minY_, fit.minX_, fit.minY_}, most = {fit.maxX_, fit.maxY_, fit.maxX_, fit.maxY_};
+  for (size_t i = 0; i < fours; ++i, points += 8) {
+    FourLanes a, b;
+    std::memcpy(&a, points, sizeof a);
+    std::memcpy(&b, points + 4, sizeof b);
+    least = a < least ? a : least;
+    least = b < least ? b : least;
+    most = a > most ? a : most;
+    most = b > most ? b : most;
+    const FourLanes dx = FourLanes{a[0], a[2], b[0], b[2]} - fit.originX_;
+    const FourLanes dy = FourLanes{a[1], a[3], b[1], b[3]} - fit.originY_;
+    const FourLanes dxx = dx * dx, dyy = dy * dy, dxy = dx * dy, square = dxx + dyy;
+    x += dx;
+    y += dy;
+    xx += dxx;
+    yy += dyy;
+    xy += dxy;
+    xr += dx * square;
+    yr += dy * square;
+    xxx += dxx * dx;
+    yyy += dyy * dy;
+    xxy += dx * dxy;
+    xyy += dy * dxy;
+    xxxx += dxx * dxx;
+    yyyy += dyy * dyy;
+    xxxy += dxx * dxy;
+    xyyy += dyy * dxy;
+    xxyy += dxx * dyy;
+  }
+  const auto total = [](const FourLanes &lanes) { return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]); };
+  Sums &s = fit.sum_;
+  s.x += total(x);
+  s.y += total(y);
+  s.xx += total(xx);
+  s.yy += total(yy);
+  s.xy += total(xy);
+  s.xr += total(xr);
+  s.yr += total(yr);
+  s.xxx += total(xxx);
+  s.yyy += total(yyy);
+  s.xxy += total(xxy);
+  s.xyy += total(xyy);
+  s.xxxx += total(xxxx);
+  s.yyyy += total(yyyy);
+  s.xxxy += total(xxxy);
+  s.xyyy += total(xyyy);
+  s.xxyy += total(xxyy);
+  fit.minX_ = std::min(least[0], least[2]);
+  fit.minY_ = std::min(least[1], least[3]);
+  fit.maxX_ = std::max(most[0], most[2]);
+  fit.maxY_ = std::max(most[1], most[3]);
+  fit.count_ += static_cast<int32_t>(4 * fours);
+}
+
+KAPDF_WIDE_LANES void CurveFit::AddFoursWide(const double *points, size_t fours, CurveFit &fit) {
+  AddFoursInline(points, fours, fit);
+}
+
+void CurveFit::AddFours(const double *points, size_t fours, CurveFit &fit) { AddFoursInline(points, fours, fit); }
+
+void CurveFit::AddPoints(std::span<const double> points) {
+  size_t i = 0;
+  if (count_ == 0 && points.size() >= 2) {
+    AddPoint(points[0], points[1]);
+    i = 2;
+  }
+  const size_t fours = (points.size() - i) / 8;
+  (HasWideLanes() ? AddFoursWide : AddFours)(points.data() + i, fours, *this);
+  for (i += 8 * fours; i + 1 < points.size(); i += 2) AddPoint(points[i], points[i + 1]);
+}
 
 double CurveFit::diagonal() const { return std::hypot(maxX_ - minX_, maxY_ - minY_); }
 

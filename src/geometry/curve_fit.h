@@ -2,7 +2,9 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace kapdf {
 
@@ -41,6 +43,9 @@ class CurveFit {
     sum_.xxyy += xx * yy;
   }
 
+  // The same for many points, x and y in turn, several at a time.
+  void AddPoints(std::span<const double> points);
+
   // 1 with centre and radius set; 0 when the points do not tell a circle: the determinant is below 1e-5 in size, by no
   // relative measure, or a result is not finite. `keepCentre` takes the centre as it stands and finds the radius.
   int SolveCircle(bool keepCentre);
@@ -70,6 +75,10 @@ class CurveFit {
     double x = 0, y = 0, xx = 0, yy = 0, xr = 0, yr = 0, xxx = 0, yyy = 0;
     double xxxx = 0, yyyy = 0, xxy = 0, xyy = 0, xxxy = 0, xyyy = 0, xy = 0, xxyy = 0;
   };
+
+  static void AddFours(const double *points, size_t fours, CurveFit &fit);
+  static void AddFoursWide(const double *points, size_t fours, CurveFit &fit);
+  static void AddFoursInline(const double *points, size_t fours, CurveFit &fit);
 
   bool FitConic(bool assumeZero);
   bool FitParallelToAxes();

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "geometry/curve_fit.h"
 #include "geometry/ellipse.h"
+#include "geometry/lanes.h"
 
 namespace kapdf {
 namespace {
@@ -16,21 +18,39 @@ constexpr double kFlattest = 20;
 constexpr double kRoundest = 0.01;
 constexpr double kSameAngle = 1e-6;
 
-// One pass over the points: sums, length, and whether two segments meet at 90 degrees or less. A segment without
-// length does not count as such a corner, but the next one does.
-bool AddSmooth(std::span<const double> points, CurveFit &fit, double &length) {
-  double beforeX = 0, beforeY = 0;
-  fit.AddPoint(points[0], points[1]);
-  for (size_t i = 2; i < points.size(); i += 2) {
+// False when two segments meet at 90 degrees or less. A segment without length does not count as such a corner, but the
+// next one does.
+[[gnu::always_inline]] inline bool IsSmoothInline(std::span<const double> points) {
+  size_t i = 4;
+  for (; i + 4 <= points.size(); i += 4) {  // two corners at a time
+    FourLanes first, middle, last;
+    std::memcpy(&first, &points[i - 4], sizeof first);
+    std::memcpy(&middle, &points[i - 2], sizeof middle);
+    std::memcpy(&last, &points[i], sizeof last);
+    const FourLanes before = middle - first, segment = last - middle;
+    const FourLanes dot = segment * before, square = segment * segment;
+    if ((dot[0] + dot[1] <= 0 && square[0] + square[1] > 0) || (dot[2] + dot[3] <= 0 && square[2] + square[3] > 0))
+      return false;
+  }
+  for (; i < points.size(); i += 2) {
     const double dx = points[i] - points[i - 2], dy = points[i + 1] - points[i - 1];
-    const double square = dx * dx + dy * dy;
-    if (i > 2 && dx * beforeX + dy * beforeY <= 0 && square > 0) return false;
-    fit.AddPoint(points[i], points[i + 1]);
-    length += std::sqrt(square);
-    beforeX = dx;
-    beforeY = dy;
+    const double beforeX = points[i - 2] - points[i - 4], beforeY = points[i - 1] - points[i - 3];
+    if (dx * beforeX + dy * beforeY <= 0 && dx * dx + dy * dy > 0) return false;
   }
   return true;
+}
+
+KAPDF_WIDE_LANES bool IsSmoothWide(std::span<const double> points) { return IsSmoothInline(points); }
+
+bool IsSmooth(std::span<const double> points) { return HasWideLanes() ? IsSmoothWide(points) : IsSmoothInline(points); }
+
+double LengthOf(std::span<const double> points) {
+  double length = 0;
+  for (size_t i = 2; i < points.size(); i += 2) {
+    const double dx = points[i] - points[i - 2], dy = points[i + 1] - points[i - 1];
+    length += std::sqrt(dx * dx + dy * dy);
+  }
+  return length;
 }
 
 // Squared distances are compared with the squares of the limits.
@@ -161,12 +181,13 @@ RecognizedCurve RecognizeEllipse(std::span<const double> points, CurveFit &fit, 
 
 RecognizedCurve RecognizeCurve(std::span<const double> points, double tolerance) {
   if (points.size() <= kLeastValues) return {};
+  if (!IsSmooth(points)) return {};
   CurveFit fit;
-  double length = 0;
-  if (!AddSmooth(points, fit, length) || !fit.WithinBounds()) return {};
+  fit.AddPoints(points);
+  if (!fit.WithinBounds()) return {};
   const bool closed = points[0] == points[points.size() - 2] && points[1] == points[points.size() - 1];
-  if (fit.SolveCircle(false) && length >= fit.radius() * (std::numbers::pi / 18) &&
-      FitsCircle(points, fit, tolerance)) {
+  if (fit.SolveCircle(false) && FitsCircle(points, fit, tolerance) &&
+      LengthOf(points) >= fit.radius() * (std::numbers::pi / 18)) {
     RecognizedCurve curve = CurveOf(fit, closed);
     if (!closed) RunThroughMiddle(points, curve);
     return curve;
