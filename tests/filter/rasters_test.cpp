@@ -15,6 +15,10 @@ namespace {
 double fraction;
 uint32_t Report(ProgressObject *, double done) { return fraction = done, 0; }
 
+struct Destroyer {
+  void operator()(CPDFFilter *object) const { object->Destroy(1); }
+};
+
 TEST(Rasters, AreAskedForByNameAndRowByRow) {
   const std::string image = "/Subtype /Image /Width 8 /BitsPerComponent 1 /Height ";
   const TempFile file(PagesOf({"/A Do BI /W 1 /H 1 /IM true ID x EI 1e9 0 0 1e9 0 0 cm BI /W 2 /H 100 /F /CCF ID x EI "
@@ -23,9 +27,6 @@ TEST(Rasters, AreAskedForByNameAndRowByRow) {
                           .Stream(5, image + "200 /Name /Own", std::string(200, '\x0F'))
                           .Stream(6, image + "50", std::string(50, '\x55'))
                           .Build());
-  struct Destroyer {
-    void operator()(CPDFFilter *object) const { object->Destroy(1); }
-  };
   const std::unique_ptr<CPDFFilter, Destroyer> filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", false));
   ProgressTable table{nullptr, nullptr, Report, nullptr, nullptr, nullptr, nullptr};
   ProgressObject sink{&table};
@@ -73,6 +74,47 @@ TEST(Rasters, AreAskedForByNameAndRowByRow) {
   settings.WriteInteger(u"DefaultResolution", 150);
   EXPECT_EQ(header(u"").dpi, 150u);
   settings.RemoveKey();
+}
+
+// A stop does not end the call: what the section makes of the record takes its place.
+TEST(Rasters, StoppedWhileTheyAreWritten) {
+  const TempFile file("");
+  const struct {
+    int32_t section;
+    uint32_t result;
+  } cases[] = {{0, FilterCancelled},   {1, FilterCancelled},   {2, FilterUnsupported}, {3, FilterConsumed},
+               {4, FilterUnsupported}, {6, FilterUnsupported}, {7, FilterCancelled},   {8, FilterUnsupported}};
+  ProgressTable table{
+      nullptr, nullptr, [](ProgressObject *, double done) -> uint32_t { return (fraction = done) == 0.5; },
+      nullptr, nullptr, nullptr,
+      nullptr};
+  ProgressObject sink{&table};
+  for (const auto &[section, result] : cases) {
+    SCOPED_TRACE(section);
+    const std::unique_ptr<CPDFFilter, Destroyer> filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", true));
+    FileInfo info{};
+    info.xmax = info.ymax = 10;
+    info.pageIndex = -1;
+    ASSERT_EQ(filter->OpenWrite(file.path16().c_str(), &info, nullptr, nullptr), FilterOk);
+    filter->BeginSection(2, 0, 0);
+    filter->EndSection(2, 0, 0);
+    if (section != 0) filter->BeginSection(section, 0, 0);
+    RasterHeaderPayload header{2, 2, 0, 0, 300, 0, 0, nullptr};
+    uint8_t row[] = {1, 0};
+    ElementRecord record{};
+    record.kind = ElemRasterHeader;
+    record.payload = &header;
+    EXPECT_EQ(filter->WriteElement(&record), FilterOk);
+    record.kind = ElemRasterRows;
+    record.payload = row;
+    record.payloadBytes = sizeof row;
+    record.progress = &sink;
+    EXPECT_EQ(filter->WriteElement(&record), result);
+    EXPECT_EQ(filter->WriteElement(&record), FilterOk) << "goes on where it stood";
+    EXPECT_EQ(fraction, 1.0);
+    EXPECT_EQ(filter->WriteElement(&record), FilterNoRasterOpen);
+    filter->Close();
+  }
 }
 
 }  // namespace
