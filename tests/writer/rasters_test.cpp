@@ -110,26 +110,18 @@ TEST(Rasters, HostsThatSendTooMuchOrTooLittle) {
   EXPECT_EQ(sheet.Row("abc"), FilterOk);
   sheet.DrawLine(0, 0, 1, 1);
   EXPECT_EQ(sheet.Row("abc"), FilterNoRasterOpen);
+  // Behind content an image stays whole, but later content goes into the file as it is.
+  EXPECT_EQ(sheet.Raster(1, 1, 4), FilterOk);
+  EXPECT_EQ(sheet.Row("xyz"), FilterOk);
+  sheet.DrawLine(5, 5, 6, 6);
   const std::string file = sheet.Finish();
   EXPECT_NE(file.find("stream\r\nabcdef\r\nendstream\rendobj\r9 0 obj\r6\rendobj\r"), std::string::npos);
   EXPECT_NE(file.find("stream\r\n\1\xC0\x80\0\r\nendstream\rendobj\r11 0 obj\r4\rendobj\r"s), std::string::npos);
   EXPECT_NE(file.find("stream\r\nabc\r\nendstream\rendobj\r13 0 obj\r3\rendobj\r"), std::string::npos);
-  EXPECT_NE(file.find("/XObject <<\r/Im0 10 0 R\r/Im1 12 0 R\r>>\r"), std::string::npos);
-  EXPECT_EQ(ContentOf(file).find("abc"), std::string::npos);
-}
-
-// Later content goes into the file as it is, and the image stays whole.
-TEST(Rasters, AfterTheFirstElement) {
-  const Workspace workspace;
-  Sheet sheet(workspace);
-  sheet.Start().Layer(u"A").DrawLine(0, 0, 1, 1);
-  EXPECT_EQ(sheet.Raster(1, 1, 0), FilterOk);
-  EXPECT_EQ(sheet.Row("\1"), FilterOk);
-  sheet.DrawLine(5, 5, 6, 6);
-  const std::string file = sheet.Finish();
-  EXPECT_NE(file.find("9 0 obj\r<<\r/Type /XObject"), std::string::npos);
-  EXPECT_NE(file.find("\rendobj\r5.000 5.000 m\n6.000 6.000 l\nS\nEMC\nQ\nendstream\rendobj\r8 0 obj\r"),
+  EXPECT_NE(file.find("stream\r\nxyz\r\nendstream\rendobj\r16 0 obj\r3\rendobj\r5.000 5.000 m\n6.000 6.000 l\nS\n"
+                      "EMC\nQ\nendstream\rendobj\r14 0 obj\r"),
             std::string::npos);
+  EXPECT_NE(file.find("/XObject <<\r/Im0 10 0 R\r/Im1 12 0 R\r/Im2 15 0 R\r>>\r"), std::string::npos);
 }
 
 TEST(Rasters, DrawnAtOnceOrWithTheEndOfThePage) {
