@@ -8,9 +8,9 @@
 namespace kapdf {
 namespace {
 
-// True when the host's sink asks to stop.
-bool AsksToStop(ProgressObject *progress, double fraction) {
-  return progress && progress->table->Report(progress, fraction) != 0;
+// True when the host's sink, if there is one, asks to stop.
+bool AsksToStop(ProgressObject *progress, const Interpreter &interpreter) {
+  return progress && progress->table->Report(progress, interpreter.Fraction()) != 0;
 }
 
 }  // namespace
@@ -83,7 +83,7 @@ uint32_t CPDFFilter::ReadElement(ElementRecord *record) {
     return raster ? FilterNotAvailable : FilterEndOfElements;
   }
   if (result == FilterOk && record->kind == ElemRasterPlacement) rasterAnnounced_ = true;
-  return AsksToStop(record->progress, interpreter_->Fraction()) ? FilterCancelled : result;
+  return AsksToStop(record->progress, *interpreter_) ? FilterCancelled : result;
 }
 
 uint32_t CPDFFilter::ReadRasterHeader(ElementRecord &record) {
@@ -123,7 +123,7 @@ uint32_t CPDFFilter::ReadRasterRow(ElementRecord &record) {
     record.payloadBytes = static_cast<uint32_t>(bytes);
   }
   if (!record.progress || !rasterHeader_ || rasterHeader_->height % 100 != 0) return result;
-  return AsksToStop(record.progress, interpreter_->Fraction()) ? FilterCancelled : result;
+  return AsksToStop(record.progress, *interpreter_) ? FilterCancelled : result;
 }
 
 }  // namespace kapdf
