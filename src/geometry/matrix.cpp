@@ -45,12 +45,10 @@ std::pair<int32_t, int32_t> FindPivot(const Matrix &m, int32_t first) {
 
 }  // namespace
 
-Matrix::Matrix(int32_t rows, int32_t cols, double fill) {
-  if (rows <= 0 || cols <= 0) return;
-  rows_ = rows;
-  cols_ = cols;
-  data_ = ShortArray<double>(static_cast<size_t>(rows) * static_cast<size_t>(cols), fill);
-}
+Matrix::Matrix(int32_t rows, int32_t cols, double fill)
+    : rows_(rows > 0 && cols > 0 ? rows : 0),
+      cols_(rows_ > 0 ? cols : 0),
+      data_(static_cast<size_t>(rows_) * static_cast<size_t>(cols_), fill) {}
 
 void Matrix::SetVector(std::span<const double> values) {
   std::copy_n(values.begin(), std::min(values.size(), data_.size()), data_.begin());
