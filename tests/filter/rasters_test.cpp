@@ -21,12 +21,13 @@ struct Destroyer {
 
 TEST(Rasters, AreAskedForByNameAndRowByRow) {
   const std::string image = "/Subtype /Image /Width 8 /BitsPerComponent 1 /Height ";
-  const TempFile file(PagesOf({"/A Do BI /W 1 /H 1 /IM true ID x EI 1e9 0 0 1e9 0 0 cm BI /W 2 /H 100 /F /CCF ID x EI "
-                               "BI /W 1 /H 1 ID x EI /A Do"},
-                              "/MediaBox [0 0 9 9] /Resources <</XObject <</A 5 0 R /B 6 0 R>> >>")
-                          .Stream(5, image + "200 /Name /Own", std::string(200, '\x0F'))
-                          .Stream(6, image + "50", std::string(50, '\x55'))
-                          .Build());
+  TempFile file(PagesOf({"/A Do BI /W 1 /H 1 /IM true ID x EI 1e9 0 0 1e9 0 0 cm BI /W 2 /H 100 /F /CCF ID x EI "
+                         "BI /W 1 /H 1 ID x EI /A Do"},
+                        "/MediaBox [0 0 9 9] /Resources <</XObject <</A 5 0 R /B 6 0 R>> >>")
+                    .Stream(5, image + "200 /Name /Own", std::string(200, '\x0F'))
+                    .Stream(6, image + "50", std::string(50, '\x55'))
+                    .Build());
+  file.Close();
   const std::unique_ptr<CPDFFilter, Destroyer> filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", false));
   ProgressTable table{nullptr, nullptr, Report, nullptr, nullptr, nullptr, nullptr};
   ProgressObject sink{&table};
@@ -78,7 +79,8 @@ TEST(Rasters, AreAskedForByNameAndRowByRow) {
 
 // A stop does not end the call: what the section makes of the record takes its place.
 TEST(Rasters, StoppedWhileTheyAreWritten) {
-  const TempFile file("");
+  TempFile file("");
+  file.Close();
   const struct {
     int32_t section;
     uint32_t result;
