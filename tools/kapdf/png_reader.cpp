@@ -1,16 +1,11 @@
 #include "png_reader.h"
 
-#include <png.h>
-
-#include <csetjmp>
+#include "png_call.h"
 
 namespace kapdf::tool {
 namespace {
 
 constexpr int kAutomaticWeights = -1;  // of red, green and blue in a grey
-
-void JumpOut(png_structp png, png_const_charp) { png_longjmp(png, 1); }
-void Ignore(png_structp, png_const_charp) {}
 
 void Get(png_structp png, png_bytep bytes, size_t size) {
   auto *file = static_cast<std::ifstream *>(png_get_io_ptr(png));
@@ -19,23 +14,16 @@ void Get(png_structp png, png_bytep bytes, size_t size) {
 
 }  // namespace
 
-// libpng leaves a failed call by a jump to here; what lies between has nothing to clean up.
 template <class Step>
 bool PngReader::Try(Step step) {
-  if (failed_) return false;
-  failed_ = true;
-  if (setjmp(png_jmpbuf(png_)) == 0) {
-    step();
-    failed_ = false;
-  }
-  return !failed_;
+  return TryPng(png_, failed_, step);
 }
 
 PngReader::~PngReader() { png_destroy_read_struct(&png_, &info_, nullptr); }
 
 bool PngReader::Open(const std::filesystem::path &path) {
   file_.open(path, std::ios::binary);
-  png_ = file_ ? png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, JumpOut, Ignore) : nullptr;
+  png_ = file_ ? png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, JumpOutOfPng, IgnorePng) : nullptr;
   info_ = png_ != nullptr ? png_create_info_struct(png_) : nullptr;
   failed_ = info_ == nullptr;
   png_colorp colors = nullptr;

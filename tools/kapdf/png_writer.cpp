@@ -1,10 +1,9 @@
 #include "png_writer.h"
 
-#include <png.h>
-
 #include <algorithm>
-#include <csetjmp>
 #include <new>
+
+#include "png_call.h"
 
 namespace kapdf::tool {
 namespace {
@@ -12,8 +11,6 @@ namespace {
 constexpr int kCompression = 3;  // large scans are written in a fraction of the default's time, a little larger
 constexpr double kInchesPerMetre = 1 / 0.0254;
 
-void JumpOut(png_structp png, png_const_charp) { png_longjmp(png, 1); }
-void Ignore(png_structp, png_const_charp) {}
 void Flush(png_structp) {}
 
 void Put(png_structp png, png_bytep bytes, size_t size) {
@@ -48,22 +45,15 @@ void SetPalette(png_structp png, png_infop info, std::span<const PngColor> palet
 
 }  // namespace
 
-// libpng leaves a failed call by a jump to here; what lies between has nothing to clean up.
 template <class Step>
 bool PngWriter::Try(Step step) {
-  if (failed_) return false;
-  failed_ = true;
-  if (setjmp(png_jmpbuf(png_)) == 0) {
-    step();
-    failed_ = false;
-  }
-  return !failed_;
+  return TryPng(png_, failed_, step);
 }
 
 PngWriter::~PngWriter() { png_destroy_write_struct(&png_, &info_); }
 
 bool PngWriter::Begin(const PngShape &shape) {
-  png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, JumpOut, Ignore);
+  png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, JumpOutOfPng, IgnorePng);
   info_ = png_ != nullptr ? png_create_info_struct(png_) : nullptr;
   failed_ = info_ == nullptr;
   return !failed_ && Try([&] {
