@@ -6,7 +6,6 @@
 namespace kapdf {
 namespace {
 
-constexpr int32_t kNewDocument = -1;
 constexpr uint32_t kRetryMilliseconds = 500;
 
 bool IsDrawingSection(int32_t section) { return section == 2 || section == 4 || section == 6 || section == 8; }
@@ -34,7 +33,7 @@ uint32_t CPDFFilter::StartWriter(const char16_t *path, FileInfo &info) {
   stream_ = OpenOutput(path ? path : u"", info);
   if (!stream_) return FilterCannotWrite;
   writer_ = std::make_unique<CPDFWriteFile>(stream_.get(), registryPath_, path);
-  writer_->SetPage(info.pageIndex < -2 ? -2 : info.pageIndex, info.pageCount);
+  writer_->SetPage(info.pageIndex, info.pageCount);
   if (!optionString_.empty()) {
     if (!ParseExportOptions(optionString_, writeSettings_)) return FilterBadOption;
     writer_->Override(writeSettings_);

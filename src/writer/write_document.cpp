@@ -1,26 +1,40 @@
 // The document around the page's content. Objects have CR as their line end.
 #include "platform/environment.h"
 #include "platform/file.h"
+#include "writer/existing_document.h"
+#include "writer/metadata.h"
 #include "writer/write_file.h"
 #include "writer/xref_stream.h"
 
 namespace kapdf {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr size_t kTitleBytes = 255;
+// Behind the packet, where it stands first and where the table finds it. The zero byte is deliberate.
+constexpr std::string_view kFirstPacketEnd = "\r\nendstream\rendobj\r";
+constexpr std::string_view kLastPacketEnd = "\n\rendstream\rendobj\r\0"sv;
 
 }  // namespace
 
 uint32_t CPDFWriteFile::Start(FileInfo &info) {
   SetPage(info.pageIndex, info.pageCount);
-  if (pageIndex_ != -1) Seek(0, SeekOrigin::kEnd);
+  if (pageIndex_ != kNewDocument) TakeExistingDocument();
   started_ = true;
 
   WriteHeader();
+  const auto moment = platform::LocalMoment::Now();
+  title_ = NarrowText(platform::FileNameOf(path_), kTitleBytes);
   xref_.BeginSection(firstObject_);
-  WriteInfo();
+  WriteInfo(moment);
+  if (options_.pdfa != 0) {
+    // The offset is fixed, whatever the time zone.
+    metadata_ = MetadataPacket({moment.Date("yyyy-MM-dd") + "T" + moment.Time("HH:mm:ss") + "+02:00", title_,
+                                options_.subject, options_.copyright, options_.author, options_.keywords});
+  }
   WriteCatalog();
-  if (metadataObject_ > 0) WriteMetadata();
+  if (metadataObject_ > 0) WriteMetadata(kFirstPacketEnd);
 
   if (!(options_.paperFrame > 0)) options_.paperFrame = 0;
   page_ = LayOutPage(info, options_.paperFrame, options_.atOrigin != 0);
@@ -33,16 +47,25 @@ uint32_t CPDFWriteFile::Start(FileInfo &info) {
   return FilterOk;
 }
 
+void CPDFWriteFile::TakeExistingDocument() {
+  if (auto existing = ReadExistingDocument(document_, registryPath())) {
+    xref_ = std::move(existing->table);
+    oldPages_ = std::move(existing->pages);
+    firstObject_ = xref_.HighestObject() + 1;
+    objectsAllocated_ = 0;
+    if (static_cast<int64_t>(oldPages_.size()) <= pageIndex_) pageIndex_ = kAddPage;
+  }
+  Seek(0, SeekOrigin::kEnd);
+}
+
 void CPDFWriteFile::WriteHeader() {
   out_.Text(options_.pdfa != 0 ? "%PDF-1.4\r" : "%PDF-1.5\r").Text("%\xFF\xFF\xFF\xFF\r");
 }
 
-void CPDFWriteFile::WriteInfo() {
-  const auto moment = platform::LocalMoment::Now();
-  const std::string title = NarrowText(platform::FileNameOf(path_), kTitleBytes);
+void CPDFWriteFile::WriteInfo(const platform::LocalMoment &moment) {
   out_.BeginObject(ReserveHere()).Text("<<\r/Creator(kaPDF.dll Version 2.2)/CreationDate ");
   out_.String("D:" + moment.Date("yyyyMMdd") + moment.Time("HHmmss")).Text("\r/Producer (ZV Software V12)\r/Author ");
-  out_.String(options_.author).Text("\r/Title ").String(title).Text("\r");
+  out_.String(options_.author).Text("\r/Title ").String(title_).Text("\r");
   if (!options_.subject.empty()) out_.Text("/Subject ").String(options_.subject).Text("\r");
   if (!options_.keywords.empty()) out_.Text("/Keywords ").String(options_.keywords).Text("\r");
   out_.Text(">>\rendobj\r");
@@ -63,14 +86,35 @@ void CPDFWriteFile::WriteCatalog() {
   out_.Text(">>\rendobj\r");
 }
 
-// The packet itself is still to come. Its number stays free until then, which readers take as null.
-void CPDFWriteFile::WriteMetadata() { xref_.Set(0, metadataObject_, 'f'); }
+// Stands in the file twice: behind the catalogue, where it takes its place in the table, and behind the page, where it
+// is found. The line of the keyword ends in LF and CR, and neither counts for the length: so readers see the CR and
+// miss the last byte of the packet. That is how these files have always been.
+void CPDFWriteFile::WriteMetadata(std::string_view end) {
+  BeginReserved(metadataObject_).Text("<<\r/Type /Metadata\r/Subtype /XML\r/Length ");
+  out_.Integer(static_cast<int64_t>(metadata_.size())).Text("\r>>\rstream\n\r").Text(metadata_).Text(end);
+}
 
 void CPDFWriteFile::WritePages() {
   AppendHere();
-  out_.BeginObject(pagesObject_).Text("<<\r/Type /Pages\r/Count 1\r");
+  const size_t pages = firstObject_ == 0 ? 1 : oldPages_.size() + (pageIndex_ == kAddPage ? 1 : 0);
+  out_.BeginObject(pagesObject_).Text("<<\r/Type /Pages\r/Count ").Integer(static_cast<int64_t>(pages)).Text("\r");
   pageObject_ = Reserve();
-  out_.Text("/Kids [").Reference(pageObject_).Text("]\r>>\rendobj\r");
+  out_.Text("/Kids [");
+  WriteKids();
+  out_.Text("]\r>>\rendobj\r");
+}
+
+// Old pages keep the parent that they name.
+void CPDFWriteFile::WriteKids() {
+  if (firstObject_ == 0) {
+    out_.Reference(pageObject_);
+    return;
+  }
+  for (size_t i = 0; i < oldPages_.size(); ++i) {
+    const bool replaced = pageIndex_ >= 0 && static_cast<size_t>(pageIndex_) == i;
+    out_.Reference(replaced ? pageObject_ : static_cast<int32_t>(oldPages_[i])).Byte(' ');
+  }
+  if (pageIndex_ == kAddPage) out_.Reference(pageObject_).Byte(' ');
 }
 
 void CPDFWriteFile::OpenPageDictionary() {
@@ -93,7 +137,7 @@ void CPDFWriteFile::ClosePageDictionary() {
   if (!pageDictionaryOpen_ || CodecOpen()) return;
   pageDictionaryOpen_ = false;
   out_.Text(">>\rendobj\r");
-  if (metadataObject_ > 0) WriteMetadata();
+  if (metadataObject_ > 0) WriteMetadata(kLastPacketEnd);
 }
 
 void CPDFWriteFile::Finish() {

@@ -8,11 +8,13 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "io/codec_flate.h"
 #include "io/ffile.h"
 #include "kapdf/kapdf.h"
 #include "pdfmodel/xref_table.h"
+#include "platform/environment.h"
 #include "writer/page_content.h"
 #include "writer/page_layout.h"
 #include "writer/placements.h"
@@ -23,9 +25,13 @@
 
 namespace kapdf {
 
+// Values of the page index that are no page.
+inline constexpr int32_t kNewDocument = -1, kAddPage = -2;
+
 // There is no object tree: every object is written once, in a fixed order, as formatted text. `Start` writes everything
 // up to the page's dictionary and leaves that open; the end of section 2 closes it; content follows as the elements
 // arrive; `Finish` writes layers, resources and the cross-reference stream. Output is not checked for short writes.
+// A document of several pages is made page by page, each behind what the file holds already.
 //
 // Object numbers are given out in file order. A number that is needed ahead of its object takes its place in the
 // cross-reference table at once and its position later. In a new file: 1 Info, 2 Catalog, 3 optional content (metadata
@@ -36,11 +42,16 @@ class CPDFWriteFile : public CZVFFile {
   // document; it is not opened.
   CPDFWriteFile(std::FILE *stream, std::u16string_view registryPath, std::u16string_view path);
 
-  // -1 a new document, -2 a page more, 0 and above in place of that page; anything lower counts as -2.
+  // -1 a new document, -2 a page more, 0 and above in place of that page or, beyond the last one, a page more; anything
+  // lower counts as -2.
   void SetPage(int32_t pageIndex, int32_t pageCount);
   // Before `Start` only. PDF/A comes last, so that it can still force the quality.
   void Override(const WriteSettings &settings);
   // Lays out the page; changes the extents of `info` to those of the sheet. Takes the page from `info`. Returns 0.
+  //
+  // What the stream holds stays as it is when the document gets a page more: everything new stands behind it, and ends
+  // in a cross-reference stream that lists the old objects too. A document that cannot be read is written behind as if
+  // the new page were all; readers then see only that.
   uint32_t Start(FileInfo &info);
 
   void BeginSection(int32_t section) { section_ = section; }
@@ -54,8 +65,8 @@ class CPDFWriteFile : public CZVFFile {
   // Ends the content; elements that come later are dropped. A second call does nothing. Returns 0.
   uint32_t EndPage();
 
-  // A raster's header, and its rows one by one, as many as the header says; the last one ends the image. In any section,
-  // before the first element is drawn. One that lacks rows when something else is written is cut short there.
+  // A raster's header, and its rows one by one, as many as the header says; the last one ends the image. In any
+  // section, before the first element is drawn. One that lacks rows when something else is written is cut short there.
   // `FilterBadRaster` a form that cannot be written, or a row of a wrong size, which does not count;
   // `FilterNoRasterOpen` a row without a header, or one too many.
   uint32_t OpenRaster(const ElementRecord &record);
@@ -68,11 +79,13 @@ class CPDFWriteFile : public CZVFFile {
 
  private:
   // The skeleton, in file order.
+  void TakeExistingDocument();
   void WriteHeader();
-  void WriteInfo();
+  void WriteInfo(const platform::LocalMoment &moment);
   void WriteCatalog();
-  void WriteMetadata();
+  void WriteMetadata(std::string_view end);
   void WritePages();
+  void WriteKids();
   void OpenPageDictionary();
   void ClosePageDictionary();
   void WriteOptionalContent();
@@ -111,13 +124,17 @@ class CPDFWriteFile : public CZVFFile {
   TextOut &BeginReserved(int32_t number);
   void WriteLength(int32_t number, std::string_view text);
 
+  std::FILE *document_;  // borrowed; read before anything is written
   WriteOptions options_;
   std::u16string path_;
-  int32_t pageIndex_ = -1;
+  int32_t pageIndex_ = kNewDocument;
   int32_t pageCount_ = 0;
 
   TextOut out_{*this};
   PDFXRef xref_;
+  std::vector<uint32_t> oldPages_;  // object numbers
+  std::string title_;
+  std::string metadata_;          // the packet; empty unless PDF/A
   int32_t firstObject_ = 0;       // 0 in a new file
   int32_t objectsAllocated_ = 1;  // the head entry counts
   int32_t optionalContentObject_ = 0;
