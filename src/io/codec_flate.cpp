@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "io/memory_file.h"
+
 namespace kapdf {
 namespace {
 
@@ -127,6 +129,14 @@ bool CZVFlate::flush() {
   deflate_.reset();
   if (ok) state_ = kCodecFinished;
   return ok;
+}
+
+std::vector<uint8_t> Deflated(std::span<const uint8_t> bytes) {
+  CZVMemoryFile file;
+  CZVFlate flate(file, 0);
+  flate.Write(bytes.data(), bytes.size());
+  flate.flush();
+  return {file.bytes().begin(), file.bytes().end()};
 }
 
 }  // namespace kapdf

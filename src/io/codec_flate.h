@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "io/row_predictor.h"
@@ -41,5 +42,8 @@ class CZVFlate final : public RowPredictedCodec {
   std::vector<uint8_t> coded_;
   uint64_t codedRead_ = 0;
 };
+
+// The whole of it deflated.
+std::vector<uint8_t> Deflated(std::span<const uint8_t> bytes);
 
 }  // namespace kapdf

@@ -52,6 +52,8 @@ class SystemFont {
   static std::unique_ptr<SystemFont> Open(const Request &request);
   virtual ~SystemFont() = default;
 
+  // Of the face that was found, with the system's spelling.
+  virtual std::u16string FaceName() = 0;
   virtual FontMetrics Metrics() = 0;
   // False when the font cannot tell.
   virtual bool Box(char16_t character, GlyphBox &box) = 0;

@@ -69,4 +69,9 @@ char *PutColorComponent(char *at, uint32_t component) {
 
 char *PutInteger(char *at, int64_t value) { return std::to_chars(at, at + 20, value).ptr; }
 
+char *PutHex4(char *at, uint16_t value) {
+  for (int shift = 12; shift >= 0; shift -= 4) *at++ = "0123456789abcdef"[value >> shift & 15];
+  return at;
+}
+
 }  // namespace kapdf

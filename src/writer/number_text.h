@@ -19,5 +19,7 @@ char *PutFixed6(char *at, double value);
 // A colour component of 0 to 255 as 0.00 to 1.00.
 char *PutColorComponent(char *at, uint32_t component);
 char *PutInteger(char *at, int64_t value);
+// Four hexadecimal digits in lower case.
+char *PutHex4(char *at, uint16_t value);
 
 }  // namespace kapdf

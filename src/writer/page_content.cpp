@@ -146,6 +146,16 @@ void PageContent::Draw(const SolidPayload &solid) {
   out_.Text("f*\n");
 }
 
+void PageContent::Draw(const TextPayload &text, const FontOut &font) {
+  const double cosine = std::cos(text.angle), sine = std::sin(text.angle);
+  PutFill(TransparencyTable::kOpaque);
+  out_.Text("BT\n").Name(font.name()).Byte(' ').Real(text.height * font.sizeFactor()).Text(" Tf\n");
+  out_.Point(cosine, sine).Byte(' ').Point(-sine, cosine).Byte(' ');
+  PutPoint(text.x, text.y).Text(" Tm\n").Real(text.widthFactor * 100).Text(" Tz\n<");
+  for (const char16_t code : NameText(text.text)) out_.Hex4(font.GlyphOf(code));
+  out_.Text("> Tj\nET\n");
+}
+
 void PageContent::Draw(const FilledPolygonPayload &polygon, int32_t contours) {
   PutFill(TransparencyTable::KeyOf(polygon.opacity));
   PutWidth(polygon.width);

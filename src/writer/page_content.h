@@ -5,6 +5,7 @@
 #include <string>
 
 #include "kapdf/kapdf.h"
+#include "writer/font_out.h"
 #include "writer/page_layout.h"
 #include "writer/placements.h"
 #include "writer/tables.h"
@@ -40,6 +41,8 @@ class PageContent {
   void Draw(const ArcPayload &arc);
   void Draw(const EllipseArcPayload &arc);
   void Draw(const SolidPayload &solid);
+  // The text's characters must be in the font's use.
+  void Draw(const TextPayload &text, const FontOut &font);
   // The first `contours` contours of the polygon; their starts must ascend within its vertices.
   void Draw(const FilledPolygonPayload &polygon, int32_t contours);
   // `number` names the image. Its size on the page is that at its resolution, times the placement's scale.

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string_view>
 
 #include "io/base_io.h"
@@ -19,10 +20,14 @@ class TextOut {
   explicit TextOut(CZVBaseIO &file) : file_(file), text_(new char[kCapacity]) {}
 
   TextOut &Text(std::string_view text);
+  TextOut &Bytes(std::span<const uint8_t> bytes) {
+    return Text({reinterpret_cast<const char *>(bytes.data()), bytes.size()});
+  }
   TextOut &Integer(int64_t value) { return Put(PutInteger(Room(), value)); }
   TextOut &Real(double value) { return Put(PutFixed3(Room(), value)); }
   // Sine or cosine, with six decimals.
   TextOut &Factor(double value) { return Put(PutFixed6(Room(), value)); }
+  TextOut &Hex4(uint16_t value) { return Put(PutHex4(Room(), value)); }
   // "x y"
   TextOut &Point(double x, double y) { return Real(x).Byte(' ').Real(y); }
   // "r g b" with two decimals each, of a packed colour.

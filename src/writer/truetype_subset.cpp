@@ -346,8 +346,7 @@ FontSubset Whole(Bytes font) {
 
 }  // namespace
 
-std::unique_ptr<CodeTable> GlyphsOfFont(std::span<const uint8_t> font) {
-  const Bytes cmap = SfntTable(font, kTags[kCmap]);
+std::unique_ptr<CodeTable> GlyphsOfCmap(std::span<const uint8_t> cmap) {
   if (auto glyphs = GlyphsByUnicode(cmap)) return glyphs;
   const Bytes bytes = ByteTable(cmap);
   if (bytes.empty()) return nullptr;

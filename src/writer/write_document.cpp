@@ -147,6 +147,7 @@ void CPDFWriteFile::Finish() {
   finished_ = true;
   if (options_.pdfa == 0) WriteOptionalContent();
   WriteResources();
+  WriteFonts();
   WriteTransparencyStates();
   WriteTrailer();
   out_.Drain();
@@ -189,6 +190,7 @@ void CPDFWriteFile::WriteResources() {
     }
     out_.Text(">>\r");
   }
+  WriteFontResources();
   if (options_.useTransparency && !states_.empty()) {
     out_.Text("/ExtGState <<\r");
     for (size_t i = 0; i < states_.keys().size(); ++i) {

@@ -53,6 +53,9 @@ uint32_t CPDFWriteFile::Define(const ElementRecord &record) {
   if (!record.payload) return FilterConsumed;
   if (record.kind == ElemLayerDef) layers_.Add(LoadAs<LayerDefPayload>(record.payload));
   if (record.kind == ElemLineTypeDef) lineTypes_.Add(LoadAs<LineTypeDefPayload>(record.payload));
+  if (record.kind == ElemFontDef) {
+    fonts_.DefineFont(LoadAs<FontDefPayload>(record.payload), static_cast<uint32_t>(options_.codePage));
+  }
   return FilterConsumed;
 }
 
@@ -96,8 +99,7 @@ uint32_t CPDFWriteFile::DrawElement(const ElementRecord &record) {
     case ElemSolid:
       return DrawPayload<SolidPayload>(record);
     case ElemText:
-      if (record.payload) BeginElement(record);  // no font is known yet, so nothing is shown
-      return FilterOk;
+      return WriteText(record);
     case ElemEllipseArc:
       return DrawPayload<EllipseArcPayload>(record);
     case ElemFilledPolygon: {
@@ -114,6 +116,18 @@ uint32_t CPDFWriteFile::DrawElement(const ElementRecord &record) {
 template <class Payload, class... Rest>
 uint32_t CPDFWriteFile::DrawPayload(const ElementRecord &record, Rest... rest) {
   if (record.payload && BeginElement(record)) content_.Draw(LoadAs<Payload>(record.payload), rest...);
+  return FilterOk;
+}
+
+// Text of no font that is known shows nothing.
+uint32_t CPDFWriteFile::WriteText(const ElementRecord &record) {
+  if (!record.payload || !BeginElement(record)) return FilterOk;
+  const auto text = LoadAs<TextPayload>(record.payload);
+  FontOut *const font = fonts_.FindFont(FieldText(record.styleName));
+  const std::u16string_view characters = NameText(text.text);
+  if (!font || characters.empty()) return FilterOk;
+  font->MarkGlyphs(characters);
+  content_.Draw(text, *font);
   return FilterOk;
 }
 

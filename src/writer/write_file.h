@@ -98,8 +98,16 @@ class CPDFWriteFile : public CZVFFile {
   uint32_t DrawElement(const ElementRecord &record);
   template <class Payload, class... Rest>
   uint32_t DrawPayload(const ElementRecord &record, Rest... rest);
+  uint32_t WriteText(const ElementRecord &record);
   uint32_t WriteProperty(const ElementRecord &record);
   uint32_t WriteCoordinateSystem(std::span<const uint8_t> block);
+
+  // Fonts.
+  void WriteFontResources();
+  void WriteFonts();
+  void WriteToUnicode(const FontOut &font);
+  void WriteDescendant(const FontOut &font);
+  int32_t WriteDescriptor(const FontOut &font, bool embedded);
 
   // Rasters.
   uint32_t PlaceRaster(const ElementRecord &record);
@@ -149,6 +157,7 @@ class CPDFWriteFile : public CZVFFile {
   PageLayout page_;
   LayerTable layers_;
   LineTypeTable lineTypes_;
+  FontTable fonts_;
   TransparencyTable states_;
   std::vector<int32_t> stateObjects_;
   PageContent content_{out_, options_, page_, layers_, states_};

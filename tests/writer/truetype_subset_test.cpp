@@ -63,7 +63,7 @@ std::string Font(bool wide, bool mac, const std::string &version = Big({1, 0})) 
 }
 
 FontSubset Subset(const std::string &font, std::u16string_view text) {
-  const auto glyphs = GlyphsOfFont(Span(font));
+  const auto glyphs = GlyphsOfCmap(SfntTable(Span(font), "cmap"));
   CodeSet used;
   for (const char16_t code : text) used.set(code);
   return MakeTrueTypeSubset(Span(font), glyphs ? *glyphs : CodeTable{}, used, "ZVNEWA+");
@@ -125,7 +125,7 @@ TEST(TrueTypeSubset, TellsWhatItCannotCut) {
 TEST(TrueTypeSubset, DrawsAsTheWholeFontDoes) {
   const auto opened = platform::SystemFont::Open({.family = u"DejaVu Sans"});
   const ByteBuffer file = opened ? opened->Table("") : ByteBuffer();
-  const auto glyphs = GlyphsOfFont(file.span());
+  const auto glyphs = GlyphsOfCmap(SfntTable(file.span(), "cmap"));
   if (!glyphs) GTEST_SKIP() << "no TrueType font on this machine";
   CodeSet used;
   for (size_t code = 32; code < 0x1F00; code += code < 0x500 || code >= 0x1EA0 ? 1 : 0x1EA0 - code) used.set(code);

@@ -36,11 +36,13 @@ class FreeTypeFont final : public SystemFont {
       return false;
     if (!FT_IS_SCALABLE(face_) || face_->units_per_EM == 0) return false;
     emPixels_ = emPixels;
+    faceName_ = face.family;
     symbols_ = FT_Select_Charmap(face_, FT_ENCODING_MS_SYMBOL) == 0;
     if (!symbols_) FT_Select_Charmap(face_, FT_ENCODING_UNICODE);
     return true;
   }
 
+  std::u16string FaceName() override { return faceName_; }
   FontMetrics Metrics() override;
   bool Box(char16_t character, GlyphBox &box) override;
   std::vector<int32_t> Advances(char16_t first, char16_t last) override;
@@ -65,6 +67,7 @@ class FreeTypeFont final : public SystemFont {
 
   FT_Library library_ = nullptr;
   FT_Face face_ = nullptr;
+  std::u16string faceName_;
   int64_t emPixels_ = 0;
   bool symbols_ = false;
 };

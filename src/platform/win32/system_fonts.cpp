@@ -91,6 +91,12 @@ class GdiFont final : public SystemFont {
                                       0, DEFAULT_CHARSET, 0, 0, 0, 0, Wide(request.family).c_str()));
   }
 
+  std::u16string FaceName() override {
+    wchar_t name[LF_FACESIZE] = {};
+    GetTextFaceW(canvas_.context(), LF_FACESIZE, name);
+    return FromWide(name);
+  }
+
   FontMetrics Metrics() override {
     FontMetrics metrics;
     TEXTMETRICW text;

@@ -1,0 +1,96 @@
+// Fonts of the host's text styles, as the document that is written uses them.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "fonts/code_table.h"
+#include "kapdf/kapdf.h"
+#include "platform/system_fonts.h"
+#include "writer/name_map.h"
+#include "writer/truetype_subset.h"
+
+namespace kapdf {
+
+// A font of the system with the characters that the document's text takes from it. Text is written in the font's own
+// glyph numbers, and everything is measured in thousandths of the em.
+class FontOut {
+ public:
+  // Style bits of a definition.
+  static constexpr uint32_t kBold = 1, kItalic = 2;
+
+  // `name` is that of the resource. The face is not looked for before the first text.
+  FontOut(std::string name, std::u16string_view faceName, uint32_t style, uint32_t codePage);
+
+  const std::string &name() const { return name_; }
+  uint32_t codePage() const { return codePage_; }
+  bool used() const { return opened_; }
+  int32_t objectNumber = 0;  // from the resources on
+
+  // Takes the characters into use. What is told below is asked for after the first of these calls.
+  void MarkGlyphs(std::u16string_view text);
+  // 0 for a character that the font does not have. Where the system has no font at all, the character itself.
+  uint16_t GlyphOf(char16_t code) const { return glyphs_ ? (*glyphs_)[code] : hasFont() ? 0 : code; }
+  // Characters in use, and the first one that any text could show.
+  const CodeSet &glyphUse() const { return glyphUse_; }
+  uint32_t firstChar() const { return firstChar_; }
+
+  // Em per height of a capital letter; a text's height is that of its capitals.
+  double sizeFactor() const { return sizeFactor_; }
+  const platform::FontMetrics &metrics() const { return metrics_; }
+  int32_t stemV() const { return stemV_; }
+  // Advance widths of the characters in use from `firstChar` on, in their order.
+  std::vector<int32_t> Widths() const;
+
+  // As the font system calls the face, in its code page and with its blanks; the subset's prefix may stand ahead.
+  const std::string &baseFontName() const { return baseFontName_; }
+  // Whether readers could not know the face: it is one of those that a program installs for itself while it runs.
+  bool IsTemporary() const;
+
+  struct Program {
+    std::vector<uint8_t> deflated;  // empty: nothing that may be embedded
+    size_t wholeSize = 0;           // of the font file
+  };
+  // The used part of the font, or all of it where that is not much more. A part has a name of its own.
+  Program MakeProgram();
+
+ private:
+  bool hasFont() const { return font_ != nullptr; }
+  void Open();
+
+  std::string name_;
+  std::u16string faceName_;
+  uint32_t style_;
+  uint32_t codePage_;
+
+  bool opened_ = false;
+  std::unique_ptr<platform::SystemFont> font_;
+  std::unique_ptr<CodeTable> glyphs_;
+  CodeSet glyphUse_;
+  uint32_t firstChar_ = 0;
+  double sizeFactor_ = 1;
+  platform::FontMetrics metrics_;
+  int32_t stemV_ = 0;
+  std::string baseFontName_;
+};
+
+// Fonts in the order of their definition, found by the name of the text style.
+class FontTable {
+ public:
+  // `defaultCodePage` holds for a definition without one of its own.
+  void DefineFont(const FontDefPayload &definition, uint32_t defaultCodePage);
+  // The first of that name, null when there is none.
+  FontOut *FindFont(std::u16string_view styleName);
+  std::deque<FontOut> &all() { return fonts_; }
+
+ private:
+  std::deque<FontOut> fonts_;
+  FirstNameMap<FontOut *> byName_;
+  std::u16string lastName_;
+  FontOut *last_ = nullptr;  // found under the last name
+};
+
+}  // namespace kapdf

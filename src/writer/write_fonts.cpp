@@ -1,0 +1,106 @@
+// The objects of the fonts that text was written with: each a composite font whose codes are the font's own glyphs.
+#include <utility>
+
+#include "writer/to_unicode.h"
+#include "writer/write_file.h"
+
+namespace kapdf {
+namespace {
+
+constexpr uint8_t kVariablePitch = 0x01, kFamily = 0xF0, kRoman = 0x10, kScript = 0x40;  // as Windows has them
+
+std::span<const uint8_t> BytesOf(std::string_view text) {
+  return {reinterpret_cast<const uint8_t *>(text.data()), text.size()};
+}
+
+// Flags of a font's descriptor.
+int32_t FlagsOf(const platform::FontMetrics &metrics) {
+  constexpr int32_t kFixedPitch = 1, kSerif = 2, kSymbolic = 4, kScriptLetters = 8, kNonsymbolic = 32;
+  constexpr uint8_t kFirstOtherCharSet = 2;
+  int32_t flags = metrics.pitchAndFamily & kVariablePitch ? 0 : kFixedPitch;
+  if ((metrics.pitchAndFamily & kFamily) == kScript) flags += kScriptLetters;
+  if ((metrics.pitchAndFamily & kFamily) == kRoman) flags += kSerif;
+  return flags + (metrics.charSet < kFirstOtherCharSet ? kNonsymbolic : kSymbolic);
+}
+
+}  // namespace
+
+void CPDFWriteFile::WriteFontResources() {
+  const char *head = "/Font <<\r";
+  for (FontOut &font : fonts_.all()) {
+    if (!font.used()) continue;
+    font.objectNumber = ReserveHere();
+    out_.Text(std::exchange(head, "")).Name(font.name()).Byte(' ').Reference(font.objectNumber).Text("\r");
+  }
+  if (*head == '\0') out_.Text(">>\r");
+}
+
+// The program is made first, since a subset changes the font's name. Names go out as they are: one with blanks in it is
+// cut by readers at the first.
+void CPDFWriteFile::WriteFonts() {
+  for (FontOut &font : fonts_.all()) {
+    if (!font.used()) continue;
+    BeginReserved(font.objectNumber);
+    FontOut::Program program;
+    if (options_.embedFonts != 0 || font.IsTemporary()) program = font.MakeProgram();
+    out_.Text("<<\r/Type /Font\r/Subtype /Type0\r/Encoding /Identity-H\r/BaseFont ").Name(font.baseFontName());
+    out_.Text("/ToUnicode ").Reference(Reserve()).Text("\r/DescendantFonts [ ").Reference(NextNumber());
+    out_.Text(" ]\r>>\rendobj\r");
+    WriteToUnicode(font);
+    WriteDescendant(font);
+    const int32_t file = WriteDescriptor(font, !program.deflated.empty());
+    if (file == 0) continue;
+    AppendHere();
+    out_.BeginObject(file).Text("<<\r/Filter /FlateDecode /Length ");
+    out_.Integer(static_cast<int64_t>(program.deflated.size())).Text("\r/Length1 ");
+    // Of the whole font, even where a part is all there is.
+    out_.Integer(static_cast<int64_t>(program.wholeSize)).Text("\r>>\rstream\r\n");
+    out_.Bytes(program.deflated).Text("\r\nendstream\rendobj\n");
+  }
+}
+
+// Its number was the last one given out.
+void CPDFWriteFile::WriteToUnicode(const FontOut &font) {
+  const std::vector<uint8_t> map = Deflated(BytesOf(ToUnicodeMap(font)));
+  AppendHere();
+  out_.BeginObject(NextNumber() - 1).Text("<</Filter /FlateDecode\r/Length ");
+  out_.Integer(static_cast<int64_t>(map.size())).Text(">>\rstream\r\n").Bytes(map).Text("\r\nendstream\rendobj\n");
+}
+
+void CPDFWriteFile::WriteDescendant(const FontOut &font) {
+  out_.BeginObject(ReserveHere()).Text("<</Type /Font\r/Subtype /CIDFontType2\r/DW ");
+  out_.Integer(font.metrics().averageWidth).Text("\r/W [");
+  const std::vector<int32_t> widths = font.Widths();
+  auto width = widths.begin();
+  for (uint32_t code = font.firstChar(); width != widths.end(); ++code) {
+    if (!font.glyphUse()[code]) continue;
+    out_.Integer(font.GlyphOf(static_cast<char16_t>(code))).Text(" [").Integer(*width++).Text("] ");
+  }
+  out_.Text("]\r/CIDToGIDMap (Identity)\r/CIDSystemInfo << /Registry (Adobe)/Ordering (Identity)/Supplement 0 >>");
+  out_.Text("/BaseFont ").Name(font.baseFontName()).Text("\r/FontDescriptor ");
+  out_.Reference(Reserve()).Text("\r>>\rendobj\r");
+}
+
+// Returns the number of the font's file, 0 for none.
+int32_t CPDFWriteFile::WriteDescriptor(const FontOut &font, bool embedded) {
+  const platform::FontMetrics &metrics = font.metrics();
+  AppendHere();
+  out_.BeginObject(NextNumber() - 1).Text("<<\r/Type /FontDescriptor\r/FontName ").Name(font.baseFontName());
+  out_.Text("\r/Flags ").Integer(FlagsOf(metrics)).Text("\r/FontBBox [").Integer(metrics.left).Byte(' ');
+  out_.Integer(metrics.bottom).Byte(' ').Integer(metrics.right).Byte(' ').Integer(metrics.top);
+  // The angle is in tenths of a degree, and the capitals are as high as the ascenders: nobody looks there.
+  out_.Text("]\r/ItalicAngle ").Integer(metrics.italicAngle).Text("\r/Ascent ").Integer(metrics.ascent);
+  out_.Text("\r/Descent ").Integer(-metrics.descent).Text("\r/Leading ");
+  out_.Integer(metrics.internalLeading + metrics.externalLeading).Text("\r/MissingWidth ");
+  out_.Integer(metrics.averageWidth).Text("\r/CapHeight ").Integer(metrics.ascent).Text("\r/StemV ");
+  out_.Integer(font.stemV()).Text("\r");
+  if (!embedded) {
+    out_.Text(">>\rendobj\n");
+    return 0;
+  }
+  const int32_t file = Reserve();
+  out_.Text("/FontFile2 ").Reference(file).Text("\r>>\rendobj\r");
+  return file;
+}
+
+}  // namespace kapdf
