@@ -3,6 +3,7 @@
 
 #include "filter/filter.h"
 #include "platform/module.h"
+#include "renderer/renderer.h"
 
 namespace {
 
@@ -44,8 +45,9 @@ namespace kapdf::platform {
 // Hosts expect the module's folder to be the current one once it is loaded.
 void OnModuleAttach() {
   if (const std::u16string folder = ModuleFolder(); !folder.empty()) SetCurrentFolder(folder);
+  LoadRenderer();
 }
 
-void OnModuleDetach() {}
+void OnModuleDetach() { ReleaseRenderer(); }
 
 }  // namespace kapdf::platform

@@ -1,7 +1,10 @@
 // The filter base, and what reading and writing have in common.
 #include "filter/filter.h"
 
+#include "platform/file.h"
+#include "platform/narrow_path.h"
 #include "platform/settings.h"
+#include "renderer/renderer.h"
 
 namespace kapdf {
 
@@ -52,9 +55,14 @@ void CPDFFilter::ReadSettings() {
   importOptions_.asImage = settings.ReadInteger(u"AsImage", 0);
   importOptions_.dpi = settings.ReadInteger(u"DPI", 200);
   importOptions_.colorDepth = settings.ReadInteger(u"ColorDepth", 3);
+  dither_ = settings.ReadInteger(u"Dither", 0);
   importOptions_.extractText = settings.ReadInteger(u"ExtractText", 0);
   interpreterSettings_.convertPoly = settings.ReadInteger(u"ConvertPoly", 1) != 0;
   interpreterSettings_.fitTolerance = settings.ReadReal(u"FitTolerance", 0.002);
+  if (settings.ReadInteger(u"Log", 0) != 0) {
+    const std::string log = platform::ToNarrowPath(platform::DiagnosticPath("sdklog.txt"));
+    CallIfThere(Renderer().VgPsSetMessageFile, log.c_str());
+  }
 }
 
 // A writer that nobody closed is not finished: its file stays as it is.
@@ -85,7 +93,8 @@ void CPDFFilter::DropDocument() {
 }
 
 // The number goes on the stack whatever it is, so that the sections stay balanced.
-uint32_t CPDFFilter::BeginSection(int32_t section, uintptr_t, uintptr_t) {
+uint32_t CPDFFilter::BeginSection(int32_t section, uintptr_t a, uintptr_t b) {
+  if (subFilter_) return subFilter_->table->BeginSection(subFilter_, section, a, b);
   try {
     sectionStack_.push_back(section);
     if (writer_) writer_->BeginSection(section);
@@ -97,7 +106,8 @@ uint32_t CPDFFilter::BeginSection(int32_t section, uintptr_t, uintptr_t) {
   return FilterOk;
 }
 
-uint32_t CPDFFilter::EndSection(int32_t section, uintptr_t, uintptr_t) {
+uint32_t CPDFFilter::EndSection(int32_t section, uintptr_t a, uintptr_t b) {
+  if (subFilter_) return subFilter_->table->EndSection(subFilter_, section, a, b);
   if (sectionStack_.size() > 1) sectionStack_.pop_back();
   currentSection_ = static_cast<uint32_t>(sectionStack_.back());
   try {

@@ -10,6 +10,7 @@
 #include "kapdf/kapdf.h"
 #include "pdfmodel/pdf_file.h"
 #include "platform/file.h"
+#include "renderer/hidden_text.h"
 #include "writer/write_file.h"
 
 namespace kapdf {
@@ -54,6 +55,7 @@ class CPDFFilter final : public CZVFilter {
 
   void Destroy(uint32_t deleteFlag) override;
   uint32_t Identify(const char16_t *path, FileInfo *info) override;
+  void *GetPreview(const char16_t *path, ProgressObject *progress) override;
   uint32_t OpenRead(const char16_t *path, FileInfo *info, ProgressObject *progress, const char16_t *options,
                     FilterContext *context, FilterCreateFunction create) override;
   uint32_t ReadElement(ElementRecord *record) override;
@@ -64,14 +66,23 @@ class CPDFFilter final : public CZVFilter {
   uint32_t Close() override;
 
  private:
-  ~CPDFFilter() = default;
+  ~CPDFFilter() { DropRenderedPage(); }
 
   void ReadSettings();
   uint32_t OpenDocument(const char16_t *path, FileInfo &info);
   uint32_t OpenPage(const FileInfo &info);
+  uint32_t OpenInterpretedPage(const char16_t *path, FileInfo &info, FilterContext *context);
   uint32_t ReadRasterHeader(ElementRecord &record);
   uint32_t ReadRasterRow(ElementRecord &record);
   void DropDocument();
+  // False when the renderer is not to be asked.
+  bool CountRenderedPages(const char16_t *path, FileInfo &info, uint32_t &result) const;
+  uint32_t OpenRenderedPage(FileInfo &info, ProgressObject *progress, const char16_t *options, FilterContext *context,
+                            FilterCreateFunction create);
+  bool ReadRenderedPage(ElementRecord &record, uint32_t &result);
+  uint32_t ReadHiddenText(ElementRecord &record);
+  void DropSubFilter();
+  void DropRenderedPage();
   platform::FileHandle OpenOutput(std::u16string_view path, FileInfo &info) const;
   uint32_t StartWriter(const char16_t *path, FileInfo &info);
   uint32_t DispatchElement(ElementRecord &record);
@@ -91,6 +102,17 @@ class CPDFFilter final : public CZVFilter {
   PaletteHandle rasterPalette_;
   bool rasterAnnounced_ = false;  // a raster's place has gone out since the document was opened
   std::unique_ptr<CPDFWriteFile> writer_;
+
+  // A page that the renderer has made a picture of. It outlives Close, until the next document or the end.
+  int32_t dither_ = 0;
+  std::u16string sourcePath_;  // as the host gave it
+  std::string tempPath_;       // of the picture; empty for none
+  FilterObject *subFilter_ = nullptr;
+  FilterDestroyFunction subFilterDestroy_ = nullptr;
+  HiddenText hiddenText_;
+  size_t hiddenTextIndex_ = 0;
+  TextPayload hiddenTextPayload_{};
+  std::u16string hiddenTextUnits_;
 };
 
 }  // namespace kapdf

@@ -4,6 +4,7 @@
 #include "platform/message.h"
 #include "platform/settings.h"
 #include "platform/text.h"
+#include "renderer/render_page.h"
 
 namespace kapdf {
 namespace {
@@ -26,6 +27,7 @@ uint32_t CPDFFilter::Identify(const char16_t *path, FileInfo *info) {
   uint32_t result = FilterDamaged;
   try {
     Close();
+    if (CountRenderedPages(path, *info, result)) return result;
     result = OpenDocument(path, *info);
   } catch (...) {
     result = FilterDamaged;
@@ -48,22 +50,29 @@ uint32_t CPDFFilter::OpenPage(const FileInfo &info) {
   return FilterOk;
 }
 
+uint32_t CPDFFilter::OpenInterpretedPage(const char16_t *path, FileInfo &info, FilterContext *context) {
+  if (const uint32_t result = OpenDocument(path, info); result != FilterOk) return result;
+  document_->SetParentWindow(platform::WindowOf(context));
+  return OpenPage(info);
+}
+
 uint32_t CPDFFilter::OpenRead(const char16_t *path, FileInfo *info, ProgressObject *progress, const char16_t *options,
-                              FilterContext *context, FilterCreateFunction) {
+                              FilterContext *context, FilterCreateFunction create) {
   uint32_t result = FilterDamaged;
   try {
     Close();
+    DropRenderedPage();
+    sourcePath_ = path ? path : u"";
     ParseImportOptions(options ? options : u"", importOptions_);
     hostContext_ = progress;
-    result = OpenDocument(path, *info);
-    if (result == FilterOk) {
-      document_->SetParentWindow(platform::WindowOf(context));
-      result = OpenPage(*info);
-    }
+    result = importOptions_.asImage != 0 && CanRenderPages()
+                 ? OpenRenderedPage(*info, progress, options, context, create)
+                 : OpenInterpretedPage(path, *info, context);
   } catch (...) {
     result = FilterDamaged;
   }
   if (result != FilterOk) {
+    DropRenderedPage();
     DropDocument();
     stream_.reset();
   }
@@ -71,9 +80,11 @@ uint32_t CPDFFilter::OpenRead(const char16_t *path, FileInfo *info, ProgressObje
 }
 
 uint32_t CPDFFilter::ReadElement(ElementRecord *record) {
-  if (!interpreter_) return FilterNotOpen;
   uint32_t result = FilterEndOfElements;
   try {
+    if (subFilter_ && ReadRenderedPage(*record, result)) return result;
+    if (!hiddenText_.hiddenTextRuns.empty()) return ReadHiddenText(*record);
+    if (!interpreter_) return FilterNotOpen;
     if (record->kind == ElemRasterHeader) return ReadRasterHeader(*record);
     if (record->kind == ElemRasterRows) return ReadRasterRow(*record);
     if (document_->properties().Next(*record)) return FilterOk;  // the sink is not asked

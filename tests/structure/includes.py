@@ -13,19 +13,20 @@ ARROWS = {
     "base": [],
     "platform": [],
     "geometry": [],
+    "renderer": ["platform"],
     "io": ["platform", "geometry"],
     "pdfmodel": ["io"],
     "raster": ["pdfmodel"],
     "fonts": ["pdfmodel"],
     "content": ["raster", "fonts"],
     "writer": ["pdfmodel", "fonts"],
-    "filter": ["content", "writer"],
+    "filter": ["content", "writer", "renderer"],
 }
 
 # Headers in angle brackets with a dot that belong to no operating system; those without one are C++'s own.
 PORTABLE = {"assert.h", "ctype.h", "errno.h", "float.h", "inttypes.h", "limits.h", "locale.h", "math.h", "setjmp.h",
             "signal.h", "stdarg.h", "stdbool.h", "stddef.h", "stdint.h", "stdio.h", "stdlib.h", "string.h", "time.h",
-            "uchar.h", "wchar.h", "zlib.h", "jpeglib.h", "jerror.h", "jbig2.h", "ft2build.h", "openjpeg.h", "png.h",
+            "uchar.h", "wchar.h", "zlib.h", "libdeflate.h", "jpeglib.h", "jerror.h", "jbig2.h", "ft2build.h", "openjpeg.h", "png.h",
             "nlohmann/json.hpp", "CLI/CLI.hpp"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')

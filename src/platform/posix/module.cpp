@@ -23,4 +23,13 @@ std::u16string ModuleFolder() {
 
 bool SetCurrentFolder(const std::u16string &folder) { return !folder.empty() && chdir(ToUtf8(folder).c_str()) == 0; }
 
+void *OpenLibrary(const std::u16string &path) { return dlopen(ToUtf8(path).c_str(), RTLD_NOW | RTLD_LOCAL); }
+void *FindSymbol(void *library, const char *name) { return dlsym(library, name); }
+
+void CloseLibrary(void *library) {
+  if (library) dlclose(library);
+}
+
+std::u16string LibraryFileName(std::u16string_view name) { return std::u16string(name) + u".so"; }
+
 }  // namespace kapdf::platform

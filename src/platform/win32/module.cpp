@@ -34,4 +34,18 @@ bool SetCurrentFolder(const std::u16string &folder) {
   return !folder.empty() && SetCurrentDirectoryW(Wide(folder).c_str()) != 0;
 }
 
+void *OpenLibrary(const std::u16string &path) {
+  return LoadLibraryExW(Wide(path).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+
+void *FindSymbol(void *library, const char *name) {
+  return reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(library), name));
+}
+
+void CloseLibrary(void *library) {
+  if (library) FreeLibrary(static_cast<HMODULE>(library));
+}
+
+std::u16string LibraryFileName(std::u16string_view name) { return std::u16string(name) + u".dll"; }
+
 }  // namespace kapdf::platform
