@@ -23,18 +23,21 @@ struct Named {
   const char *unit = "";
 };
 
-// Of the EPSG register.
-constexpr Named kMethods[] = {{9802, "Lambert Conformal Conic"},
-                              {9804, "Mercator"},
-                              {9806, "Cassini"},
-                              {9807, "Transverse Mercator"},
-                              {9811, "New Zealand Map Grid"},
-                              {9817, "Modified Lambert Conformal Conic"},
-                              {9818, "Polyconic"},
-                              {9822, "Albers Equal Area Conic"},
-                              {9827, "Bonne"},
-                              {9829, "Polar Stereographic"},
-                              {9832, "Azimuthal Equidistant"}};
+// Of the EPSG register, with the number that the block has for an export.
+struct Method : Named {
+  int32_t projection;
+};
+constexpr Method kMethods[] = {{{9802, "Lambert Conformal Conic"}, 8},
+                               {{9804, "Mercator"}, 1},
+                               {{9806, "Cassini"}, 3},
+                               {{9807, "Transverse Mercator"}, 4},
+                               {{9811, "New Zealand Map Grid"}, 21},
+                               {{9817, "Modified Lambert Conformal Conic"}, 10},
+                               {{9818, "Polyconic"}, 22},
+                               {{9822, "Albers Equal Area Conic"}, 16},
+                               {{9827, "Bonne"}, 19},
+                               {{9829, "Polar Stereographic"}, 14},
+                               {{9832, "Azimuthal Equidistant"}, 20}};
 // Angles stand in the block as radians.
 constexpr const char *kDegrees = " deg";
 constexpr Named kParameters[] = {{8801, "origin latitude", kDegrees},
@@ -54,8 +57,9 @@ constexpr Named kDatums[] = {{6209, "Arc 1950"},
 constexpr Named kEllipsoids[] = {{7004, "Bessel 1841"}, {7030, "WGS 84"}, {7043, "WGS 72"}};
 constexpr Named kUnits[] = {{9102, "degree"}};
 
-const Named *Find(std::span<const Named> rows, int32_t code) {
-  const auto row = std::ranges::find(rows, code, &Named::code);
+template <class Row>
+const Row *Find(std::span<const Row> rows, int32_t code) {
+  const auto row = std::ranges::find(rows, code, &Row::code);
   return row == rows.end() ? nullptr : &*row;
 }
 
@@ -66,9 +70,10 @@ std::string Number(double value) {
 }
 
 // "Mercator (9804)"; nothing for no code.
-std::string TellCode(std::span<const Named> rows, int32_t code) {
+template <class Row, size_t Count>
+std::string TellCode(const Row (&rows)[Count], int32_t code) {
   if (code < 0) return {};
-  const Named *row = Find(rows, code);
+  const Row *row = Find<Row>(rows, code);
   return std::string(row != nullptr ? row->name : "of a code unknown here") + " (" + std::to_string(code) + ")";
 }
 
@@ -84,7 +89,7 @@ void Join(std::string &out, const std::string &text) {
 std::string TellParameters(const CoordinateSystemBlock &block) {
   std::string out;
   for (int i = 0; i < KAPDF_COORDSYS_PARAMETERS; ++i) {
-    const Named *row = Find(kParameters, block.paramCodes[i]);
+    const Named *row = Find<Named>(kParameters, block.paramCodes[i]);
     if (row == nullptr) continue;
     const double factor = *row->unit != 0 ? 180 / std::numbers::pi : 1;
     Join(out, row->name + (" " + Number(block.paramValues[i] * factor)) + row->unit);
@@ -116,6 +121,18 @@ std::optional<CoordinateSystemBlock> CoordinateSystemOf(const ElementRecord &rec
     bytes[i] = static_cast<uint8_t>(high << 4 | low);
   }
   return std::bit_cast<CoordinateSystemBlock>(bytes);
+}
+
+std::u16string ValueForExport(CoordinateSystemBlock block) {
+  const Method *method = Find<Method>(kMethods, block.methodCode);
+  if (block.projectionId < 0 && method != nullptr) block.projectionId = method->projection;
+  static constexpr std::u16string_view kDigits = u"0123456789ABCDEF";
+  std::u16string value;
+  for (const uint8_t byte : std::bit_cast<std::array<uint8_t, KAPDF_COORDSYS_BYTES>>(block)) {
+    value.push_back(kDigits[byte >> 4]);
+    value.push_back(kDigits[byte & 15]);
+  }
+  return value;
 }
 
 std::string Tell(const CoordinateSystemBlock &block) {

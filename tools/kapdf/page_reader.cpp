@@ -53,7 +53,7 @@ Outcome PageReader::ReadRecords(Progress &progress, RecordSink &sink) {
         continue;
       }
       if (Outcome taken = sink.Take(*item); !taken.ok()) return taken;
-      if (item->kind != ElemRasterPlacement) continue;
+      if (item->kind != ElemRasterPlacement || sink.rasters() == RasterWish::kNothing) continue;
       if (Outcome read = ReadRaster(*item, progress, sink); !read.ok()) return read;
     }
   }
@@ -72,6 +72,7 @@ Outcome PageReader::ReadRaster(const ElementRecord &placement, Progress &progres
     return {};
   }
   if (Outcome taken = sink.Take(record); !taken.ok()) return taken;
+  if (sink.rasters() == RasterWish::kHeaders) return {};
   while (!InterruptGuard::Requested()) {
     InitElement(record);
     record.kind = ElemRasterRows;

@@ -9,6 +9,9 @@
 
 namespace kapdf::tool {
 
+// What a sink wants of rasters besides their places.
+enum class RasterWish { kNothing, kHeaders, kRows };
+
 // Takes the records of a page in the order in which the module gives them.
 class RecordSink {
  public:
@@ -17,6 +20,7 @@ class RecordSink {
   virtual Outcome BeginPage(int page, int pages) = 0;
   // The record is valid during the call only.
   virtual Outcome Take(const ElementRecord &record) = 0;
+  virtual RasterWish rasters() const { return RasterWish::kRows; }
   // The rows of the header that was taken last have ended.
   virtual Outcome EndRaster() { return {}; }
   virtual Outcome EndPage() = 0;

@@ -205,4 +205,19 @@ Box BoundsOf(const ElementRecord &record, double strokeWidth) {
   return box;
 }
 
+Box BoundsOfRaster(const ElementRecord &placement, const ElementRecord &header) {
+  RasterPlacementPayload place;
+  RasterHeaderPayload shape;
+  Box box;
+  if (!CopyPayload(placement, place) || !CopyPayload(header, shape)) return box;
+  constexpr uint32_t kUsualDpi = 300;
+  const double pixel = 25.4 / (shape.dpi != 0 ? shape.dpi : kUsualDpi);
+  const double width = place.scaleX * shape.width * pixel, height = place.scaleY * shape.height * pixel;
+  const double c = std::cos(place.angle), s = std::sin(place.angle);
+  for (const double along : {0.0, width}) {
+    for (const double up : {0.0, height}) box.Add({place.x + along * c - up * s, place.y + along * s + up * c});
+  }
+  return box;
+}
+
 }  // namespace kapdf::tool

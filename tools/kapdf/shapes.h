@@ -49,7 +49,9 @@ std::vector<std::vector<Point>> ContoursOf(const ElementRecord &record);
 double WidthOf(const ElementRecord &record);
 
 // What the element covers, with half of `strokeWidth` around it when it is stroked. Texts are estimated, rasters
-// count with their corner only. Empty for definitions.
+// count with their corner only, since their size stands in the header. Empty for definitions.
 Box BoundsOf(const ElementRecord &record, double strokeWidth);
+// What a raster covers. A header without a resolution has the module's usual one.
+Box BoundsOfRaster(const ElementRecord &placement, const ElementRecord &header);
 
 }  // namespace kapdf::tool

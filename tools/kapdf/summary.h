@@ -10,6 +10,9 @@ namespace kapdf::tool {
 class KindCounts {
  public:
   void Count(uint32_t kind, uint64_t by = 1) { counts_[kind] += by; }
+  void Add(const KindCounts &other) {
+    for (const auto &[kind, count] : other.counts_) Count(kind, count);
+  }
   // "3 layers, 1 line, 20 polylines"; "nothing" when there are none.
   std::string Tell() const;
   bool empty() const { return counts_.empty(); }

@@ -24,6 +24,12 @@ Examples
       Without -o the lines go to the standard output.
   kapdf export plan.jsonl -o new.pdf --options "/frame 5 /origin 1"
       A PDF of the drawing with a frame of 5 mm.
+  kapdf export front.jsonl side.jsonl -o plans.pdf --pdfa
+      A page for each drawing, as PDF/A.
+  kapdf export new.jsonl -o plans.pdf --append
+      One page more; --replace 2 puts it in place of page 2.
+  kapdf convert plan.pdf clean.pdf --all
+      Import and export in one go, page by page.
   kapdf import map.pdf --all --set FitTolerance=0.01 -o map.jsonl
       A setting for this run only; the user's own settings stay as they are.
 
@@ -33,10 +39,11 @@ A failure is one sentence with the module's result code.)";
 struct CommandLine {
   std::string library;
   std::vector<std::string> settings;
-  bool quiet = false;
+  bool quiet = false, pdfa = false;
   InfoRequest info;
   ImportRequest import;
   ExportRequest exporting;
+  ConvertRequest convert;
 };
 
 void AddCommon(CLI::App *command, CommandLine &line) {
@@ -46,6 +53,17 @@ void AddCommon(CLI::App *command, CommandLine &line) {
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);
   command->add_flag("-q,--quiet", line.quiet, "No summary");
+}
+
+void AddTarget(CLI::App *command, Target &target, CommandLine &line) {
+  CLI::Option *append =
+      command->add_flag("--append", target.append, "Add to the file, behind its last page; nothing of it is changed");
+  command->add_option("--replace", target.replace, "Add to the file, in place of this page, from 1")
+      ->type_name("N")
+      ->excludes(append);
+  command->add_flag("--pdfa", line.pdfa, "Write PDF/A (the same as --set PDFA=1)");
+  command->add_option("--options", target.options, "Export options, for instance \"/frame 5 /origin 1\"")
+      ->type_name("S");
 }
 
 // The subcommands, in the order of Commands below.
@@ -71,15 +89,22 @@ std::vector<CLI::App *> Declare(CLI::App &app, CommandLine &line) {
       ->type_name("OUT");
   import->add_option("--images", line.import.images, "Write the rasters as PNG files to this folder")->type_name("DIR");
 
-  CLI::App *exporting = app.add_subcommand("export", "Write a drawing in JSON Lines as a PDF file");
-  exporting->add_option("DRAWING", line.exporting.drawing, "The drawing; - reads the standard input")->required();
-  exporting->add_option("-o", line.exporting.output, "The PDF file to write")->type_name("OUT")->required();
-  exporting->add_option("--page", line.exporting.page, "The page of a drawing that has several, from 1")
+  CLI::App *exporting = app.add_subcommand("export", "Write drawings in JSON Lines as the pages of a PDF file");
+  exporting->add_option("DRAWING", line.exporting.drawings, "The drawings; - reads the standard input")->required();
+  exporting->add_option("-o", line.exporting.target.path, "The PDF file to write")->type_name("OUT")->required();
+  exporting->add_option("--page", line.exporting.page, "The page of drawings that have several, from 1")
       ->type_name("N");
-  exporting->add_option("--options", line.exporting.options, "Export options, for instance \"/frame 5 /origin 1\"")
-      ->type_name("S");
+  AddTarget(exporting, line.exporting.target, line);
 
-  std::vector<CLI::App *> commands{info, import, exporting};
+  CLI::App *convert = app.add_subcommand("convert", "Import pages of a PDF file and export them to another");
+  convert->add_option("IN", line.convert.file, "The PDF file to read")->required();
+  convert->add_option("OUT", line.convert.target.path, "The PDF file to write")->required();
+  CLI::Option *pageIn = convert->add_option("--page", line.convert.page, "The page, from 1; the first if not given");
+  pageIn->type_name("N");
+  convert->add_flag("--all", line.convert.all, "Every page")->excludes(pageIn);
+  AddTarget(convert, line.convert.target, line);
+
+  std::vector<CLI::App *> commands{info, import, exporting, convert};
   for (CLI::App *command : commands) AddCommon(command, line);
   return commands;
 }
@@ -99,24 +124,31 @@ bool SameFile(const std::string &a, const std::string &b) {
 Outcome ResolvePaths(CommandLine &line) {
   if (line.import.output == "-") line.import.output.clear();
   line.import.folder = AbsolutePath(".");
-  for (std::string *path :
-       {&line.info.file, &line.import.file, &line.import.output, &line.import.images, &line.exporting.output}) {
+  for (std::string *path : {&line.info.file, &line.import.file, &line.import.output, &line.import.images,
+                            &line.exporting.target.path, &line.convert.file, &line.convert.target.path}) {
     if (!path->empty()) *path = AbsolutePath(*path);
   }
   line.exporting.folder = line.import.folder;
-  if (line.exporting.drawing != "-") {
-    line.exporting.drawing = AbsolutePath(line.exporting.drawing);
-    line.exporting.folder = Utf8Of(PathOf(line.exporting.drawing).parent_path());
+  bool overwrites =
+      SameFile(line.import.file, line.import.output) || SameFile(line.convert.file, line.convert.target.path);
+  for (std::string &drawing : line.exporting.drawings) {
+    if (drawing != "-") drawing = AbsolutePath(drawing);
+    overwrites = overwrites || SameFile(drawing, line.exporting.target.path);
   }
-  if (SameFile(line.import.file, line.import.output) || SameFile(line.exporting.drawing, line.exporting.output)) {
-    return FailUsage("the output would overwrite the input");
-  }
+  if (overwrites) return FailUsage("the output would overwrite the input");
+  const std::vector<std::string> &drawings = line.exporting.drawings;
+  if (std::ranges::count(drawings, "-") > 1) return FailUsage("the standard input is one drawing only");
+  if (line.exporting.target.replace && drawings.size() > 1) return FailUsage("--replace takes one drawing only");
   return {};
 }
 
 Outcome Run(CommandLine &line, const std::vector<CLI::App *> &commands, const Streams &streams) {
   std::vector<SettingValue> values;
-  for (const std::string &assignment : line.settings) {
+  std::vector<std::string> assignments = line.settings;
+  if (line.pdfa) assignments.emplace_back("PDFA=1");
+  // Coordinate systems are to come through, unless somebody says otherwise.
+  if (commands[3]->parsed()) assignments.emplace(assignments.begin(), "GeoTiff=1");
+  for (const std::string &assignment : assignments) {
     if (Outcome parsed = ParseSetting(assignment, values); !parsed.ok()) return parsed;
   }
   if (Outcome resolved = ResolvePaths(line); !resolved.ok()) return resolved;
@@ -131,7 +163,8 @@ Outcome Run(CommandLine &line, const std::vector<CLI::App *> &commands, const St
   const Session session{module, settings.RegistryPath(), streams, terminal && !line.quiet, line.quiet};
   if (commands[0]->parsed()) return RunInfo(session, line.info);
   if (commands[1]->parsed()) return RunImport(session, line.import);
-  return RunExport(session, line.exporting);
+  if (commands[2]->parsed()) return RunExport(session, line.exporting);
+  return RunConvert(session, line.convert);
 }
 
 }  // namespace

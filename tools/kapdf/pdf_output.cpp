@@ -1,0 +1,91 @@
+#include "pdf_output.h"
+
+#include <filesystem>
+
+#include "page_writer.h"
+#include "results.h"
+#include "utf.h"
+
+namespace kapdf::tool {
+namespace {
+
+constexpr int32_t kNewDocument = -1, kAddPage = -2;
+
+}  // namespace
+
+PdfOutput::~PdfOutput() {
+  if (!begun_) return;
+  filter_.table().Close(filter_.get());
+  std::error_code ignored;
+  if (extends_) {
+    std::filesystem::resize_file(PathOf(target_.path), olderBytes_, ignored);
+  } else {
+    std::filesystem::remove(PathOf(target_.path), ignored);
+  }
+}
+
+Outcome PdfOutput::Prepare(int pages) {
+  pagesToCome_ = pages;
+  if (target_.append || target_.replace) {
+    if (Outcome looked = LookAtOlderFile(); !looked.ok()) return looked;
+  }
+  return filter_.Create(session_.module.WritingRow(), session_.registryPath);
+}
+
+Outcome PdfOutput::LookAtOlderFile() {
+  std::error_code error;
+  const std::filesystem::path path = PathOf(target_.path);
+  if (!std::filesystem::exists(path, error)) {
+    return target_.append ? Outcome{} : Fail("there is no " + target_.path + " to replace a page of");
+  }
+  Filter reader;
+  if (Outcome made = reader.Create(session_.module.ReadingRow(), session_.registryPath); !made.ok()) return made;
+  FileInfo info{};
+  const uint32_t result = reader.table().Identify(reader.get(), ToUtf16(target_.path).c_str(), &info);
+  if (result != FilterOk) return Fail("cannot add to " + target_.path + ": " + OpenResult(result));
+  if (target_.replace && (*target_.replace < 1 || *target_.replace > info.pageCount)) {
+    return NoSuchPage(target_.path, *target_.replace, info.pageCount);
+  }
+  extends_ = true;
+  olderBytes_ = std::filesystem::file_size(path, error);
+  return error ? Fail("cannot read the size of " + target_.path) : Outcome{};
+}
+
+Outcome PdfOutput::BeginPage(const Box &extents, Progress &progress) {
+  FileInfo info{};
+  info.xmin = extents.xmin;
+  info.ymin = extents.ymin;
+  info.xmax = extents.xmax;
+  info.ymax = extents.ymax;
+  info.pageCount = pagesToCome_;
+  info.pageIndex = target_.replace ? *target_.replace - 1 : extends_ || pages_ > 0 ? kAddPage : kNewDocument;
+  const std::u16string options = ToUtf16(target_.options);
+  const uint32_t result = filter_.table().OpenWrite(filter_.get(), ToUtf16(target_.path).c_str(), &info,
+                                                    progress.object(), options.empty() ? nullptr : options.c_str());
+  // With any other result the file has been made, emptied or extended already.
+  if (result != FilterCannotWrite) begun_ = true;
+  return result == FilterOk ? Outcome{} : Fail("cannot write " + target_.path + ": " + OpenResult(result));
+}
+
+void PdfOutput::EndPage(const PageWriter &page) {
+  filter_.table().Close(filter_.get());
+  ++pages_;
+  written_.Add(page.written());
+  refused_.Add(page.refused());
+  drawnPlain_.Add(page.drawnPlain());
+}
+
+void PdfOutput::TellSummary() const {
+  std::ostream &err = session_.streams.err;
+  if (!session_.quiet) {
+    err << "kapdf: " << target_.path << ": ";
+    if (pages_ > 1) err << pages_ << " pages, ";
+    err << written_.Tell() << "\n";
+  }
+  if (!drawnPlain_.empty()) {
+    err << "kapdf: drawn without dashes, which are too fine or have no length: " << drawnPlain_.Tell() << "\n";
+  }
+  if (!refused_.empty()) err << "kapdf: the module does not draw: " << refused_.Tell() << "\n";
+}
+
+}  // namespace kapdf::tool

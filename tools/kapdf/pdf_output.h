@@ -1,0 +1,50 @@
+// The PDF file that takes pages, made or extended page by page.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "commands.h"
+#include "module.h"
+#include "progress.h"
+#include "shapes.h"
+#include "summary.h"
+
+namespace kapdf::tool {
+
+class PageWriter;
+
+// What was written goes away again unless it is kept: a new file as a whole, of an older one all that stands behind
+// what it held.
+class PdfOutput {
+ public:
+  PdfOutput(const Session &session, const Target &target) : session_(session), target_(target) {}
+  PdfOutput(const PdfOutput &) = delete;
+  PdfOutput &operator=(const PdfOutput &) = delete;
+  ~PdfOutput();
+
+  // Looks at the file that is to be extended; it must be one that the module can read, since otherwise its pages would
+  // be lost to readers. `pages`: how many are to come.
+  Outcome Prepare(int pages);
+  // Opens the next page for a drawing of these extents in millimetres.
+  Outcome BeginPage(const Box &extents, Progress &progress);
+  Filter &filter() { return filter_; }
+  void EndPage(const PageWriter &page);
+  void Keep() { begun_ = false; }
+  // What became of the pages, as sentences on the error stream.
+  void TellSummary() const;
+
+ private:
+  Outcome LookAtOlderFile();
+
+  const Session &session_;
+  const Target &target_;
+  Filter filter_;
+  int pagesToCome_ = 0, pages_ = 0;
+  bool begun_ = false;    // the file holds something that is not kept yet
+  bool extends_ = false;  // an older file
+  uintmax_t olderBytes_ = 0;
+  KindCounts written_, refused_, drawnPlain_;
+};
+
+}  // namespace kapdf::tool
