@@ -1,7 +1,7 @@
-# Finds the libraries under the same names for every build: kapdf::zlib, kapdf::jpeg, kapdf::jbig2, kapdf::freetype,
-# kapdf::openjpeg, on Linux kapdf::fontconfig, and for tool and tests kapdf::png, kapdf::cli11, kapdf::json. Only
-# find_path and find_library are used: pkg-config and package files would answer for the machine that builds when
-# another one is built for.
+# Finds the libraries under the same names for every build: kapdf::zlib, kapdf::deflate, kapdf::jpeg, kapdf::jbig2,
+# kapdf::freetype, kapdf::openjpeg, on Linux kapdf::fontconfig, and for tool and tests kapdf::png, kapdf::cli11,
+# kapdf::json. Only find_path and find_library are used: pkg-config and package files would answer for the machine that
+# builds when another one is built for.
 
 function(kapdf_find name header library)
   cmake_parse_arguments(ARG "" "" "SUFFIXES;DEFINITIONS" ${ARGN})
@@ -19,6 +19,7 @@ function(kapdf_find name header library)
 endfunction()
 
 kapdf_find(zlib zlib.h "z;zlib")
+kapdf_find(deflate libdeflate.h deflate)
 kapdf_find(jpeg jpeglib.h jpeg)
 kapdf_find(jbig2 jbig2.h jbig2dec)
 kapdf_find(freetype ft2build.h freetype SUFFIXES freetype2)

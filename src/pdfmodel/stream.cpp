@@ -10,6 +10,7 @@
 #include "io/codec_ccitt.h"
 #include "io/codec_flate.h"
 #include "io/codec_lzw.h"
+#include "io/inflate_whole.h"
 
 namespace kapdf {
 namespace {
@@ -17,6 +18,7 @@ namespace {
 constexpr double kFirstRatio = 2.0;
 constexpr double kGrowth = 1.05;
 constexpr size_t kGrowthFloor = 65536;
+constexpr size_t kInflatedWhole = 16384;  // from so many coded bytes on
 
 bool IsEither(std::string_view name, std::string_view full, std::string_view abbreviation) {
   return name == full || name == abbreviation;
@@ -81,6 +83,7 @@ int CPDFStream::MakeCodec() {
   if (IsEither(filter, "FlateDecode", "Fl")) {
     std::unique_ptr<CCompressionClass> inner;
     if (ascii85First) inner = std::make_unique<CZVASCII85>(*source_, length);
+    plainFlate_ = !inner;
     codec_ = std::make_unique<CZVFlate>(*source_, length, std::move(inner));
     return ReadFlateParameters();
   }
@@ -184,6 +187,13 @@ bool CPDFStream::ReadAll(ByteBuffer &decoded) try {
       std::max<int64_t>(objects_.source().blockActive() ? 0 : objects_.source().length() - dataStart_, 0);
   const auto coded = static_cast<size_t>(std::min<int64_t>(length_, left));
   if (coded == 0) return true;
+  if (plainFlate_ && coded >= kInflatedWhole) {
+    ByteBuffer bytes;
+    bytes.Resize(coded);
+    const size_t got = source_->Read(bytes.data(), coded);
+    if (InflateWhole({bytes.data(), got}, limits::kDecodedStream, decoded)) return true;
+    if (!source_->Seek(dataStart_, SeekOrigin::kStart)) return false;
+  }
   // The coded size is all that is known: a pass-through stream has just that many bytes, others are read into a buffer
   // that grows by what the codec has made of its input so far.
   decoded.Resize(passThrough_ ? coded : std::min(coded * 2, limits::kDecodedStream));

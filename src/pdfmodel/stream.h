@@ -53,6 +53,7 @@ class CPDFStream final : public CPDFObject {
   std::unique_ptr<CPDFDictionary> dictionary_;
   std::unique_ptr<CCompressionClass> codec_;
   bool passThrough_ = false;
+  bool plainFlate_ = false;  // Flate with no stage in front of it
   int32_t length_ = 0;
   int32_t length1_ = 0;
   uint32_t status_ = 0;

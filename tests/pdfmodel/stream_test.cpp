@@ -61,6 +61,29 @@ TEST(Streams, FiltersLengthsAndLineEnds) {
   EXPECT_EQ(ReadStream(beyond.file).substr(0, 6), "0 abc\n");
 }
 
+// Those that are decoded at once when they are in good order, and in pieces as far as they go when they are not.
+TEST(Streams, LongOnes) {
+  std::string plain;
+  for (int i = 0; i < 20000; ++i) plain += std::to_string(i * i);
+  const std::string zeros(5'000'000, '0'), coded = Deflate(plain);
+  ASSERT_GT(coded.size(), 40000u);
+  const struct {
+    std::string data;
+    size_t length;
+    std::string outcome;
+  } cases[] = {{coded + "rubbish", coded.size(), plain},
+               {coded, coded.size() - 9, plain},
+               {coded.substr(0, coded.size() - 1) + "?", coded.size(), plain},  // the checksum
+               {Deflate(plain + zeros), coded.size() + 9000, plain + zeros},
+               {coded.substr(0, 20000), 20000, plain.substr(0, 40000)}};
+  for (const auto &c : cases) {
+    const std::string entries = "<</Filter /Fl /Length " + std::to_string(c.length) + ">>stream\n";
+    test::OpenedPdf pdf(test::PagesOf({"n"}).Object(5, entries + c.data).Build());
+    const std::string read = ReadStream(pdf.file).substr(2);
+    EXPECT_TRUE(c.data.size() == 20000 ? read.starts_with(c.outcome) : read == c.outcome) << c.length;
+  }
+}
+
 TEST(Streams, ParametersAndSingleReads) {
   const std::string parameters = "/Length1 9 /DecodeParms <</Predictor 12 /Columns 4>>";
   test::OpenedPdf pdf(

@@ -26,8 +26,8 @@ ARROWS = {
 # Headers in angle brackets with a dot that belong to no operating system; those without one are C++'s own.
 PORTABLE = {"assert.h", "ctype.h", "errno.h", "float.h", "inttypes.h", "limits.h", "locale.h", "math.h", "setjmp.h",
             "signal.h", "stdarg.h", "stdbool.h", "stddef.h", "stdint.h", "stdio.h", "stdlib.h", "string.h", "time.h",
-            "uchar.h", "wchar.h", "zlib.h", "libdeflate.h", "jpeglib.h", "jerror.h", "jbig2.h", "ft2build.h", "openjpeg.h", "png.h",
-            "nlohmann/json.hpp", "CLI/CLI.hpp"}
+            "uchar.h", "wchar.h", "zlib.h", "libdeflate.h", "jpeglib.h", "jerror.h", "jbig2.h", "ft2build.h", "openjpeg.h",
+            "png.h", "nlohmann/json.hpp", "CLI/CLI.hpp"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')
 SYSTEM_TEST = re.compile(r"^\s*#\s*(?:if|ifdef|ifndef|elif)\b.*\b_*(?:WIN32|WIN64|MINGW\w*|MSC_VER|linux|unix|APPLE|GLIBC)_*\b")
