@@ -12,6 +12,7 @@
 #include <map>
 
 #include "base/bytes.h"
+#include "platform/font_file.h"
 #include "platform/posix/font_list.h"
 #include "platform/text.h"
 
@@ -157,38 +158,13 @@ ByteBuffer FreeTypeFont::LoadTable(FT_ULong tag) const {
 
 // Of a collection: a file with the tables of the one font.
 ByteBuffer FreeTypeFont::SingleFontFile() const {
-  constexpr size_t kHeader = 12, kEntry = 16;
-  FT_ULong count = 0;
-  FT_ULong ignored;
-  ByteBuffer file;
-  if (FT_Sfnt_Table_Info(face_, 0, nullptr, &count) != 0 || count == 0 || count > 255) return file;
-  file.Resize(kHeader + kEntry * count);
-  std::memset(file.data(), 0, file.size());
-  uint16_t power = 0;
-  while (FT_ULong{2} << power <= count) ++power;
-  StoreBigEndian(file.data(), 0x00010000, 4);
-  StoreBigEndian(file.data() + 4, count, 2);
-  StoreBigEndian(file.data() + 6, 16 << power, 2);
-  StoreBigEndian(file.data() + 8, power, 2);
-  StoreBigEndian(file.data() + 10, 16 * count - (FT_ULong{16} << power), 2);
-  for (FT_UInt i = 0; i < count; ++i) {
-    FT_ULong tag = 0;
-    if (FT_Sfnt_Table_Info(face_, i, &tag, &ignored) != 0) continue;
-    const ByteBuffer table = LoadTable(tag);
-    const size_t at = file.size();
-    file.Resize(at + (table.size() + 3) / 4 * 4);
-    std::memset(file.data() + at, 0, file.size() - at);
-    if (!table.empty()) std::memcpy(file.data() + at, table.data(), table.size());
-    uint32_t sum = 0;
-    for (size_t word = at; word < file.size(); word += 4)
-      sum += static_cast<uint32_t>(LoadBigEndian(file.data() + word, 4));
-    uint8_t *entry = file.data() + kHeader + kEntry * i;
-    StoreBigEndian(entry, tag, 4);
-    StoreBigEndian(entry + 4, sum, 4);
-    StoreBigEndian(entry + 8, at, 4);
-    StoreBigEndian(entry + 12, table.size(), 4);
-  }
-  return file;
+  FT_ULong count = 0, tag = 0, length;
+  std::vector<FontTableData> tables;
+  if (FT_Sfnt_Table_Info(face_, 0, nullptr, &count) != 0 || count > kMostFontTables) return {};
+  for (FT_UInt i = 0; i < count; ++i)
+    if (FT_Sfnt_Table_Info(face_, i, &tag, &length) == 0)
+      tables.push_back({static_cast<uint32_t>(tag), LoadTable(tag)});
+  return MakeFontFile(tables);
 }
 
 ByteBuffer FreeTypeFont::Table(std::string_view tag) {

@@ -6,6 +6,8 @@
 #include <functional>
 #include <map>
 
+#include "base/bytes.h"
+#include "platform/font_file.h"
 #include "platform/font_name_table.h"
 #include "platform/win32/wide.h"
 
@@ -84,6 +86,22 @@ ByteBuffer FontData(HDC context, DWORD tag) {
   return data;
 }
 
+// GDI hands out the font's part of the file, whose offsets count from the start of the collection.
+ByteBuffer FileOfCollectedFont(HDC context) {
+  constexpr size_t kHeader = 12, kEntry = 16;
+  uint8_t header[kHeader];
+  if (GetFontData(context, 0, 0, header, kHeader) != kHeader) return {};
+  const auto count = static_cast<size_t>(LoadBigEndian(header + 4, 2));
+  if (TagNumber("ttcf") == LoadAs<DWORD>(header) || count > kMostFontTables) return {};
+  std::vector<FontTableData> tables;
+  for (size_t i = 0; i < count; ++i) {
+    uint8_t tag[4];
+    if (GetFontData(context, 0, static_cast<DWORD>(kHeader + kEntry * i), tag, sizeof tag) != sizeof tag) return {};
+    tables.push_back({static_cast<uint32_t>(LoadBigEndian(tag, 4)), FontData(context, LoadAs<DWORD>(tag))});
+  }
+  return MakeFontFile(tables);
+}
+
 class GdiFont final : public SystemFont {
  public:
   bool Select(const Request &request) {
@@ -143,7 +161,11 @@ class GdiFont final : public SystemFont {
     return advances;
   }
 
-  ByteBuffer Table(std::string_view tag) override { return FontData(canvas_.context(), TagNumber(tag)); }
+  ByteBuffer Table(std::string_view tag) override {
+    const bool collected = GetFontData(canvas_.context(), TagNumber("ttcf"), 0, nullptr, 0) != GDI_ERROR;
+    if (tag.empty() && collected) return FileOfCollectedFont(canvas_.context());
+    return FontData(canvas_.context(), TagNumber(tag));
+  }
 
  private:
   Canvas canvas_;
