@@ -1,7 +1,8 @@
 """Looks into finished binaries with objdump.
 
-    binaries.py exports OBJDUMP MODULE NAME...   the module exports these names and no other
-    binaries.py imports OBJDUMP FILE...          the Windows files need DLLs of the system only
+    binaries.py exports OBJDUMP MODULE DEF NAME...   the module exports these names and no other; on Windows also
+                                                     those that DEF forwards to geotiff.dll
+    binaries.py imports OBJDUMP FILE...              the Windows files need DLLs of the system only
 """
 import re
 import subprocess
@@ -16,25 +17,35 @@ def dump(objdump, *arguments):
 
 
 def exports(objdump, module):
+    """The module's own names, and those it forwards to geotiff.dll."""
     if module.lower().endswith(".dll"):
-        table = dump(objdump, "-p", module).split("[Ordinal/Name Pointer] Table")[1]
-        return set(re.findall(r"^\s*\[\s*\d+\](?:\s+\+base\[\s*\d+\]\s+[0-9a-f]+)?\s+(\S+)$", table, re.M))
+        text = dump(objdump, "-p", module)
+        forwarded = set(re.findall(r"Forwarder RVA -- geotiff\.(\S+)$", text, re.M))
+        table = text.split("[Ordinal/Name Pointer] Table")[1]
+        names = set(re.findall(r"^\s*\[\s*\d+\](?:\s+\+base\[\s*\d+\]\s+[0-9a-f]+)?\s+(\S+)$", table, re.M))
+        return names - forwarded, forwarded & names
     names = set()
     for line in dump(objdump, "-T", module).splitlines():
         fields = line.split()
         # address, flags ..., section, size, [version], name; what the module takes from others is undefined
         if re.match(r"^[0-9a-f]{16} ", line) and "*UND*" not in fields:
             names.add(fields[-1])
-    return names
+    return names, set()
 
 
 def main():
     mode, objdump, *rest = sys.argv[1:]
     if mode == "exports":
-        module, expected = rest[0], set(rest[1:])
-        found = exports(objdump, module)
-        print("exports:", *sorted(found))
-        return 0 if found == expected else 1
+        module, definition, *names = rest
+        own, forwarded = exports(objdump, module)
+        print("exports:", *sorted(own), "and", len(forwarded), "forwarders")
+        expected = set()
+        if module.lower().endswith(".dll"):
+            with open(definition, encoding="ascii") as lines:
+                expected = {line.split()[0] for line in lines if re.fullmatch(r"\s+(\w+) = geotiff\.\1\n", line)}
+            if not {"GTIFNew", "GTIFFree", "GTIFKeyGet", "GTIFKeySet", "GTIFWriteKeys"} <= expected:
+                return 1
+        return 0 if own == set(names) and forwarded == expected else 1
     failed = not rest
     for name in filter(None, rest):
         needed = re.findall(r"DLL Name: (\S+)", dump(objdump, "-p", name))
