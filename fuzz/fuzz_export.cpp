@@ -135,6 +135,15 @@ void TakeText(HostRecord &host, Input &in) {
   host.Hold(text);
 }
 
+// Most texts that are anything show by it, since both take the name "A".
+void TakeFont(HostRecord &host, Input &in) {
+  FontDefPayload font{};
+  font.styleName = host.name.data();
+  font.faceName = in.Below(7) ? host.other.data() : nullptr;
+  font.charsetAndCodePage = in.Take<uint32_t>();
+  host.Hold(font);
+}
+
 void TakePayload(HostRecord &host, Input &in) {
   switch (host.record.kind) {
     case ElemLine:
@@ -163,6 +172,9 @@ void TakePayload(HostRecord &host, Input &in) {
       break;
     case ElemText:
       TakeText(host, in);
+      break;
+    case ElemFontDef:
+      TakeFont(host, in);
       break;
     case ElemNamedProperty:
       TakeProperty(host, in);
@@ -209,6 +221,7 @@ void SendTables(CPDFFilter &filter, Input &in) {
   filter.BeginSection(KAPDF_SECTION_TABLES, 0, 0);
   for (uint32_t left = in.Below(3); left > 0; --left) SendRecord(filter, in, ElemLayerDef);
   SendRecord(filter, in, ElemLineTypeDef);
+  SendRecord(filter, in, ElemFontDef);
   filter.EndSection(KAPDF_SECTION_TABLES, 0, 0);
 }
 

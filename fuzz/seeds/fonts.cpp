@@ -32,4 +32,11 @@ void AddFonts(SeedFolder &folder) {
   folder.Add("widths", join("<</Type/Font /DescendantFonts [11 0 R]>>", widths + "]>>", ""));
 }
 
+void AddSubsets(SeedFolder &folder) {
+  const std::u16string_view characters = u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz\u0416\u6C38";
+  for (const std::string padding : {"", " ", "   "})
+    folder.Add("font" + padding, test::BuildFont("A", characters) + padding);
+  folder.Add("bytes", test::TrueTypeFont());
+}
+
 }  // namespace kapdf::fuzz

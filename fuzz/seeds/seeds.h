@@ -29,6 +29,7 @@ void AddFaxes(SeedFolder &folder);
 void AddRasters(SeedFolder &folder);
 void AddCMaps(SeedFolder &folder);
 void AddFonts(SeedFolder &folder);
+void AddSubsets(SeedFolder &folder);
 
 // Statements of every group of operators.
 std::string_view SampleContent();

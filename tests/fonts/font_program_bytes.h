@@ -2,23 +2,12 @@
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "support/font_builder.h"
 #include "support/pdf_builder.h"
 
 namespace kapdf::test {
-
-inline std::string Sfnt(const std::vector<std::pair<std::string, std::string>> &tables) {
-  std::string directory = BigEndian(0x00010000, 4) + BigEndian(tables.size(), 2) + std::string(6, '\0');
-  std::string data;
-  for (const auto &[tag, bytes] : tables) {
-    directory +=
-        tag + BigEndian(0, 4) + BigEndian(12 + 16 * tables.size() + data.size(), 4) + BigEndian(bytes.size(), 4);
-    data += bytes + std::string((4 - bytes.size() % 4) % 4, '\0');
-  }
-  return directory + data;
-}
 
 // Unicode to glyph: A is 1, B and C both 2. An old table of bytes without glyphs stands ahead of it, or not.
 inline std::string Cmap(bool oldFirst = true) {

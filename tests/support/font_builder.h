@@ -4,16 +4,20 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
-namespace kapdf {
+namespace kapdf::test {
+
+// A font file of tables. Offsets count from `base` bytes ahead of it, as in a collection.
+std::string Sfnt(const std::vector<std::pair<std::string, std::string>> &tables, size_t base = 0);
 
 // A square 700 units high and 500 wide for each character, glyph 1 for the first; glyph 0 is empty. 1000 units to the
-// em, 900 and 200 above and below the base line. Glyph i is 600 + i units wide. The characters ascend. Offsets count
-// from `base` bytes ahead of the font, as in a collection.
+// em, 900 and 200 above and below the base line. Glyph i is 600 + i units wide. The characters ascend.
 std::string BuildFont(const std::string &family, std::u16string_view characters, size_t base = 0);
 
 // Writes the fonts to files in the current folder and makes the font system know them, besides its own. Must come
 // before the font system's first use.
 void InstallFont(const std::string &fileName, const std::string &bytes);
 
-}  // namespace kapdf
+}  // namespace kapdf::test

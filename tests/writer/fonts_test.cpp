@@ -10,6 +10,8 @@ namespace kapdf {
 namespace {
 
 using namespace std::string_literals;
+using test::BuildFont;
+using test::InstallFont;
 
 // Glyphs 1 to 22.
 constexpr std::u16string_view kCharacters = u" ABCDEFabcdef|\u03B1\u03B2\u0416\u0429\u1EBF\u1EC7\u6C38\u6F22";

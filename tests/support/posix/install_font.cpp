@@ -4,7 +4,7 @@
 
 #include "support/font_builder.h"
 
-namespace kapdf {
+namespace kapdf::test {
 
 void InstallFont(const std::string &fileName, const std::string &bytes) {
   const auto folder = std::filesystem::current_path();
@@ -14,4 +14,4 @@ void InstallFont(const std::string &fileName, const std::string &bytes) {
   setenv("FONTCONFIG_FILE", (folder / "fonts.conf").c_str(), 1);
 }
 
-}  // namespace kapdf
+}  // namespace kapdf::test
