@@ -64,6 +64,33 @@ void DrawPolylines(CPDFWriteFile &writer, ElementRecord &record) {
   }
 }
 
+// Numbers, as surveyed points have them.
+void DrawTexts(CPDFWriteFile &writer, ElementRecord &record) {
+  const std::vector<double> &c = Coordinates();
+  char16_t style[] = u"Heights", face[] = u"DejaVu Sans";
+  FontDefPayload font{};
+  font.styleName = style;
+  font.faceName = face;
+  record.kind = ElemFontDef;
+  record.payload = &font;
+  writer.Define(record);
+  std::copy(std::begin(style), std::end(style), record.styleName);
+  record.kind = ElemText;
+  for (size_t i = 0; i + 3 < c.size(); i += 4) {
+    std::u16string text;
+    for (const char digit : std::to_string(c[i + 2])) text += static_cast<char16_t>(digit);
+    TextPayload payload{};
+    payload.x = c[i];
+    payload.y = c[i + 1];
+    payload.angle = c[i + 3];
+    payload.height = 2.5;
+    payload.widthFactor = 1;
+    payload.text = text.data();
+    record.payload = &payload;
+    writer.WriteElement(record);
+  }
+}
+
 using Drawing = void (*)(CPDFWriteFile &, ElementRecord &);
 
 Stream Export(Drawing draw) {
@@ -96,7 +123,7 @@ std::string ContentOf(Drawing draw) {
   std::rewind(stream.get());
   file.resize(std::fread(file.data(), 1, file.size(), stream.get()));
   const size_t start = file.find("stream\r\n") + 8;
-  std::string content(kCoordinates * 16, '\0');
+  std::string content(kCoordinates * 64, '\0');
   uLongf size = content.size();
   uncompress(reinterpret_cast<Bytef *>(content.data()), &size, reinterpret_cast<const Bytef *>(file.data() + start),
              file.size() - start);
@@ -148,6 +175,8 @@ BENCHMARK_CAPTURE(BM_Export, lines, DrawLines)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_DeflateAlone, lines, DrawLines)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Export, polylines, DrawPolylines)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_DeflateAlone, polylines, DrawPolylines)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Export, texts, DrawTexts)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_DeflateAlone, texts, DrawTexts)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_FormatOwn)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_FormatToChars)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_FormatSnprintf)->Unit(benchmark::kMillisecond);
