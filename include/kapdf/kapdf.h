@@ -85,7 +85,7 @@ enum ElementKind {
 #define FilterCannotRead 4u  /* the input file cannot be opened */
 #define FilterNoRoot 5u      /* the file cannot be read far enough, or has no document root */
 #define FilterEncrypted 11u  /* the file is encrypted */
-#define FilterNotPdf 12u     /* not a PDF file, or no usable cross-reference data */
+#define FilterNotPdf 12u     /* not a PDF file, no usable cross-reference data, or the renderer failed */
 #define FilterBadOption 18u  /* an option string has a bad value */
 
 /* Sections of the element sequence on export: 3 takes the tables, 2, 4, 6 and 8 take drawn elements. */
@@ -353,7 +353,8 @@ typedef struct FilterTable {
   void (*Destroy)(FilterObject *self, uint32_t deleteFlag);
   /* 1: pages of a file; leaves no document open. */
   uint32_t (*Identify)(FilterObject *self, const char16_t *path, FileInfo *info);
-  /* 2: a bitmap block owned by the filter, or null. */
+  /* 2: a small bitmap, owned by the filter until the next one, or null. It begins with the 40 bytes that follow the
+   * first 14 of a bitmap file. The page stands behind the path as a blank and "<2>"; without it the first. */
   void *(*GetPreview)(FilterObject *self, const char16_t *path, ProgressObject *progress);
   /* 3: opens page `info->pageIndex` for reading. 0, 2, 4, 5, 11, 12. */
   uint32_t (*OpenRead)(FilterObject *self, const char16_t *path, FileInfo *info, ProgressObject *progress,

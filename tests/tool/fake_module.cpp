@@ -331,7 +331,13 @@ uint32_t Close(FilterObject *self) {
   return 0;
 }
 
-const FilterTable kTable = {nullptr,      Identify,     nullptr,      OpenRead, ReadElement, OpenWrite, nullptr,
+// Of the first page only: two pixels of 24 bits.
+void *Preview(FilterObject *, const char16_t *path, ProgressObject *) {
+  static uint32_t block[] = {40, 2, 1, 1 | 24 << 16, 0, 0, 0, 0, 0, 0, 0x04030201, 0x0605};
+  return std::u16string_view(path).ends_with(u".pdf <1>") ? block : nullptr;
+}
+
+const FilterTable kTable = {nullptr,      Identify,     Preview,      OpenRead, ReadElement, OpenWrite, nullptr,
                             Section<'b'>, Section<'e'>, WriteElement, nullptr,  Close,       nullptr,   nullptr};
 
 FilterObject *Create(const char16_t *registryPath) {

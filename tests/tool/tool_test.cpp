@@ -96,6 +96,7 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
       {{"import", "all.pdf", "--set", "Quality=3.5"}, 2, "Quality takes an integer"},
       {{"import", "all.pdf", "--set", "PaperFrame=inf"}, 2, "PaperFrame takes a number"},
       {{"import"}, 2, "FILE is required"},
+      {{"info", "all.pdf", "--page", "2", "--preview", "gone.pdf"}, 1, "gives no preview of page 2"},
       {{"imprt", "all.pdf"}, 2, "there is no command \"imprt\""},
       {{"export", "empty.jsonl", "-o", "gone.pdf"}, 1, "holds no drawing"},
       {{"import", "damaged.pdf", "-o", "older.jsonl"}, 1, "(result 2)"},
@@ -207,10 +208,13 @@ TEST(Tool, TellsAboutFileModuleAndEveryPage) {
   for (const char *path : {"pages-1.svg", "pages-2.svg", "pages-3.svg"}) {
     EXPECT_TRUE(Read(path).ends_with("</svg>\n")) << path;
   }
-  const Ran ran = Kapdf({"info", "all.pdf"}), help = Kapdf({"--help"});
+  const Ran ran = Kapdf({"info", "all.pdf", "--preview", "page.bmp"}), help = Kapdf({"--help"});
   for (const char *text : {"pages      3", "version    9.9", "maker      Nobody", "2 layers", "1 ellipse arc,"}) {
     EXPECT_NE(ran.out.find(text), std::string::npos) << text << "\n" << ran.out;
   }
+  const std::string bmp = Read("page.bmp");
+  EXPECT_EQ(bmp.substr(0, 18), std::string("BM\x3E\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0", 18));
+  EXPECT_EQ(bmp.substr(54), std::string("\1\2\3\4\5\6\0\0", 8));
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("kapdf export plan.jsonl"), std::string::npos);
 }

@@ -30,6 +30,7 @@ struct Session {
 struct InfoRequest {
   std::string file;
   int page = 1;
+  std::string preview;  // BMP file to write; empty for none
 };
 
 struct ImportRequest {

@@ -3,6 +3,7 @@
 
 #include "commands.h"
 #include "coordinate_system.h"
+#include "output.h"
 #include "page_reader.h"
 #include "shapes.h"
 #include "summary.h"
@@ -39,6 +40,17 @@ std::string TellBox(const Box &box) {
   return text;
 }
 
+Outcome WritePreview(PageReader &reader, const InfoRequest &request, Progress &progress) {
+  Output file;
+  std::string bytes;
+  Outcome made = reader.Preview(request.page, progress, bytes);
+  progress.Clear();
+  if (!made.ok()) return made;
+  if (Outcome opened = file.OpenFile(request.preview); !opened.ok()) return opened;
+  file.buffer() = std::move(bytes);
+  return file.Finish();
+}
+
 }  // namespace
 
 Outcome RunInfo(const Session &session, const InfoRequest &request) {
@@ -65,6 +77,10 @@ Outcome RunInfo(const Session &session, const InfoRequest &request) {
   out << "page " << request.page << "     " << counter.counts().Tell() << "\n"
       << "elements   " << TellBox(counter.box()) << "\n"
       << counter.system() << std::flush;
+  if (!request.preview.empty()) {
+    if (Outcome written = WritePreview(reader, request, progress); !written.ok()) return written;
+    out << "preview    " << request.preview << "\n" << std::flush;
+  }
   return out ? Outcome{} : Fail("cannot write all of the standard output; is the disk full?");
 }
 

@@ -1,5 +1,6 @@
 #include "page_reader.h"
 
+#include "bitmap.h"
 #include "kinds.h"
 #include "record.h"
 #include "results.h"
@@ -36,6 +37,16 @@ Outcome PageReader::Read(int page, const std::string &options, Progress &progres
   if (outcome.ok()) outcome = ReadRecords(progress, sink);
   filter_.table().Close(filter_.get());
   return outcome.ok() ? sink.EndPage() : outcome;
+}
+
+Outcome PageReader::Preview(int page, Progress &progress, std::string &bytes) {
+  const std::u16string named = ToUtf16(file_ + " <" + std::to_string(page) + ">");
+  const void *block = filter_.table().GetPreview(filter_.get(), named.c_str(), progress.object());
+  if (InterruptGuard::Requested()) return Interrupted();
+  if (block != nullptr) bytes = BitmapFile(block);
+  if (!bytes.empty()) return {};
+  return Fail("the module gives no preview of page " + std::to_string(page) + " of " + file_ +
+              "; it needs the renderer libraries beside it");
 }
 
 Outcome PageReader::ReadRecords(Progress &progress, RecordSink &sink) {

@@ -38,6 +38,9 @@ class PageReader {
   // From 1. Records of unknown kinds and rasters that cannot be had are counted, not passed on.
   Outcome Read(int page, const std::string &options, Progress &progress, RecordSink &sink);
 
+  // A small picture of a page, from 1, as the bytes of a BMP file.
+  Outcome Preview(int page, Progress &progress, std::string &bytes);
+
   uint64_t unknownRecords() const { return unknown_; }
   uint64_t missingRasters() const { return missingRasters_; }
 

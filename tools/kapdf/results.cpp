@@ -19,7 +19,7 @@ constexpr Words kOpenWords[] = {
     {FilterCannotRead, "the file cannot be opened for reading"},
     {FilterNoRoot, "the file breaks off early or has no document root"},
     {FilterEncrypted, "the file is encrypted"},
-    {FilterNotPdf, "it is not a PDF file, or its cross-reference data is of no use"},
+    {FilterNotPdf, "it is not a PDF file, its cross-reference data is of no use, or the renderer failed"},
     {FilterBadOption, "a value in the option string is wrong"},
 };
 constexpr Words kElementWords[] = {

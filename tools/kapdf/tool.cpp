@@ -14,6 +14,8 @@ constexpr const char *kFooter = R"(
 Examples
   kapdf info plan.pdf
       How many pages, and what is on the first one.
+  kapdf info plan.pdf --page 2 --preview page.bmp
+      A small picture of page 2, if the renderer libraries stand beside the module.
   kapdf import plan.pdf -o plan.svg
       See what came in: layers are groups, open it in any browser.
   kapdf import plan.pdf --page 2 -o plan.jsonl
@@ -77,6 +79,7 @@ std::vector<CLI::App *> Declare(CLI::App &app, CommandLine &line) {
   CLI::App *info = app.add_subcommand("info", "Tell the pages of a PDF file, what is on one, and the module's version");
   info->add_option("FILE", line.info.file, "The PDF file")->required();
   info->add_option("--page", line.info.page, "The page to look at, from 1")->type_name("N");
+  info->add_option("--preview", line.info.preview, "Write a small picture of the page as a BMP file")->type_name("OUT");
 
   CLI::App *import = app.add_subcommand("import", "Read pages of a PDF file as JSON Lines or SVG");
   import->add_option("FILE", line.import.file, "The PDF file")->required();
@@ -124,13 +127,14 @@ bool SameFile(const std::string &a, const std::string &b) {
 Outcome ResolvePaths(CommandLine &line) {
   if (line.import.output == "-") line.import.output.clear();
   line.import.folder = AbsolutePath(".");
-  for (std::string *path : {&line.info.file, &line.import.file, &line.import.output, &line.import.images,
-                            &line.exporting.target.path, &line.convert.file, &line.convert.target.path}) {
+  for (std::string *path :
+       {&line.info.file, &line.info.preview, &line.import.file, &line.import.output, &line.import.images,
+        &line.exporting.target.path, &line.convert.file, &line.convert.target.path}) {
     if (!path->empty()) *path = AbsolutePath(*path);
   }
   line.exporting.folder = line.import.folder;
-  bool overwrites =
-      SameFile(line.import.file, line.import.output) || SameFile(line.convert.file, line.convert.target.path);
+  bool overwrites = SameFile(line.info.file, line.info.preview) || SameFile(line.import.file, line.import.output) ||
+                    SameFile(line.convert.file, line.convert.target.path);
   for (std::string &drawing : line.exporting.drawings) {
     if (drawing != "-") drawing = AbsolutePath(drawing);
     overwrites = overwrites || SameFile(drawing, line.exporting.target.path);
