@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "io/codec_flate.h"
+#include "writer/cff_program.h"
 #include "writer/tables.h"
 #include "writer/write_options.h"
 
@@ -73,9 +74,11 @@ FontOut::Program FontOut::MakeProgram() {
   const std::string prefix = NextSubsetPrefix();
   if (!font_ || !glyphs_) return {};
   const ByteBuffer file = font_->Table({});
+  if (const auto compact = CffProgram(file.span()); !compact.empty())
+    return {Deflated(compact), file.size(), Program::Outlines::kCompact};
   const FontSubset subset = MakeTrueTypeSubset(file.span(), *glyphs_, glyphUse_, prefix);
   if (subset.kind == FontSubset::Kind::kNotEmbeddable) return {};
-  Program program{Deflated(subset.bytes.span()), file.size()};
+  Program program{Deflated(subset.bytes.span()), file.size(), Program::Outlines::kTrueType};
   if (subset.kind == FontSubset::Kind::kSubset && !program.deflated.empty()) baseFontName_.insert(0, prefix);
   return program;
 }

@@ -51,10 +51,13 @@ class FontOut {
   bool IsTemporary() const;
 
   struct Program {
+    enum class Outlines { kTrueType, kCompact };
     std::vector<uint8_t> deflated;  // empty: nothing that may be embedded
     size_t wholeSize = 0;           // of the font file
+    Outlines outlines = Outlines::kTrueType;
   };
-  // The used part of the font, or all of it where that is not much more. A part has a name of its own.
+  // The used part of the font, or all of it where that is not much more. A part has a name of its own. Compact outlines
+  // (CFF) go whole, when glyph numbers find them. A damaged font gives nothing.
   Program MakeProgram();
 
  private:

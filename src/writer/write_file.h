@@ -106,8 +106,8 @@ class CPDFWriteFile : public CZVFFile {
   void WriteFontResources();
   void WriteFonts();
   void WriteToUnicode(const FontOut &font);
-  void WriteDescendant(const FontOut &font);
-  int32_t WriteDescriptor(const FontOut &font, bool embedded);
+  void WriteDescendant(const FontOut &font, const FontOut::Program &program);
+  int32_t WriteDescriptor(const FontOut &font, const FontOut::Program &program);
 
   // Rasters.
   uint32_t PlaceRaster(const ElementRecord &record);

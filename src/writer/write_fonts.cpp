@@ -7,6 +7,8 @@
 namespace kapdf {
 namespace {
 
+using Outlines = FontOut::Program::Outlines;
+
 constexpr uint8_t kVariablePitch = 0x01, kFamily = 0xF0, kRoman = 0x10, kScript = 0x40;  // as Windows has them
 
 std::span<const uint8_t> BytesOf(std::string_view text) {
@@ -47,14 +49,17 @@ void CPDFWriteFile::WriteFonts() {
     out_.Text("/ToUnicode ").Reference(Reserve()).Text("\r/DescendantFonts [ ").Reference(NextNumber());
     out_.Text(" ]\r>>\rendobj\r");
     WriteToUnicode(font);
-    WriteDescendant(font);
-    const int32_t file = WriteDescriptor(font, !program.deflated.empty());
+    WriteDescendant(font, program);
+    const int32_t file = WriteDescriptor(font, program);
     if (file == 0) continue;
     AppendHere();
     out_.BeginObject(file).Text("<<\r/Filter /FlateDecode /Length ");
-    out_.Integer(static_cast<int64_t>(program.deflated.size())).Text("\r/Length1 ");
-    // Of the whole font, even where a part is all there is.
-    out_.Integer(static_cast<int64_t>(program.wholeSize)).Text("\r>>\rstream\r\n");
+    out_.Integer(static_cast<int64_t>(program.deflated.size()));
+    if (program.outlines == Outlines::kCompact)
+      out_.Text("\r/Subtype /CIDFontType0C");
+    else  // of the whole font, even where a part is all there is
+      out_.Text("\r/Length1 ").Integer(static_cast<int64_t>(program.wholeSize));
+    out_.Text("\r>>\rstream\r\n");
     out_.Bytes(program.deflated).Text("\r\nendstream\rendobj\n");
   }
 }
@@ -67,8 +72,9 @@ void CPDFWriteFile::WriteToUnicode(const FontOut &font) {
   out_.Integer(static_cast<int64_t>(map.size())).Text(">>\rstream\r\n").Bytes(map).Text("\r\nendstream\rendobj\n");
 }
 
-void CPDFWriteFile::WriteDescendant(const FontOut &font) {
-  out_.BeginObject(ReserveHere()).Text("<</Type /Font\r/Subtype /CIDFontType2\r/DW ");
+void CPDFWriteFile::WriteDescendant(const FontOut &font, const FontOut::Program &program) {
+  const bool compact = program.outlines == Outlines::kCompact;
+  out_.BeginObject(ReserveHere()).Text("<</Type /Font\r/Subtype /CIDFontType").Text(compact ? "0" : "2").Text("\r/DW ");
   out_.Integer(font.metrics().averageWidth).Text("\r/W [");
   const std::vector<int32_t> widths = font.Widths();
   auto width = widths.begin();
@@ -76,13 +82,14 @@ void CPDFWriteFile::WriteDescendant(const FontOut &font) {
     if (!font.glyphUse()[code]) continue;
     out_.Integer(font.GlyphOf(static_cast<char16_t>(code))).Text(" [").Integer(*width++).Text("] ");
   }
-  out_.Text("]\r/CIDToGIDMap (Identity)\r/CIDSystemInfo << /Registry (Adobe)/Ordering (Identity)/Supplement 0 >>");
+  out_.Text(compact ? "]\r" : "]\r/CIDToGIDMap (Identity)\r");
+  out_.Text("/CIDSystemInfo << /Registry (Adobe)/Ordering (Identity)/Supplement 0 >>");
   out_.Text("/BaseFont ").Name(font.baseFontName()).Text("\r/FontDescriptor ");
   out_.Reference(Reserve()).Text("\r>>\rendobj\r");
 }
 
 // Returns the number of the font's file, 0 for none.
-int32_t CPDFWriteFile::WriteDescriptor(const FontOut &font, bool embedded) {
+int32_t CPDFWriteFile::WriteDescriptor(const FontOut &font, const FontOut::Program &program) {
   const platform::FontMetrics &metrics = font.metrics();
   AppendHere();
   out_.BeginObject(NextNumber() - 1).Text("<<\r/Type /FontDescriptor\r/FontName ").Name(font.baseFontName());
@@ -94,12 +101,14 @@ int32_t CPDFWriteFile::WriteDescriptor(const FontOut &font, bool embedded) {
   out_.Integer(metrics.internalLeading + metrics.externalLeading).Text("\r/MissingWidth ");
   out_.Integer(metrics.averageWidth).Text("\r/CapHeight ").Integer(metrics.ascent).Text("\r/StemV ");
   out_.Integer(font.stemV()).Text("\r");
-  if (!embedded) {
+  if (program.deflated.empty()) {
     out_.Text(">>\rendobj\n");
     return 0;
   }
   const int32_t file = Reserve();
-  out_.Text("/FontFile2 ").Reference(file).Text("\r>>\rendobj\r");
+  out_.Text(program.outlines == Outlines::kCompact ? "/FontFile3 " : "/FontFile2 ")
+      .Reference(file)
+      .Text("\r>>\rendobj\r");
   return file;
 }
 

@@ -5,6 +5,7 @@
 
 #include "sheet.h"
 #include "support/font_builder.h"
+#include "writer/cff_program.h"
 
 namespace kapdf {
 namespace {
@@ -115,6 +116,24 @@ TEST(Fonts, ProgramsGoAlong) {
   const size_t at =
       static_cast<size_t>(static_cast<uint8_t>(program[glyf + 2])) << 8 | static_cast<uint8_t>(program[glyf + 3]);
   EXPECT_EQ(program.substr(at, 10), "\0\1\0\x32\0\0\2\x26\2\xBC"s);
+}
+
+// Header, one name, one dictionary: version and weight, or a real number and the collection's three operands.
+TEST(Fonts, CompactProgramsWithGlyphNumbersGoAlong) {
+  const auto openType = [](const std::string &table) {
+    std::string font = test::Sfnt({{"CFF ", table}});
+    return font.replace(0, 4, "OTTO");
+  };
+  const auto carried = [](const std::string &font) {
+    return CffProgram({reinterpret_cast<const uint8_t *>(font.data()), font.size()}).size();
+  };
+  const std::string head = "\1\0\4\1\0\1\1\1\3Ab"s;
+  const std::string plain = head + "\0\1\1\1\5\x8B\0\x1C\4"s;
+  const std::string collected = head + "\0\1\1\1\x0B\x1E\x1A\x5F\xF7\1\x1D\0\0\0\7\x0C\x1E"s;
+  EXPECT_EQ(carried(openType(plain)), plain.size());
+  EXPECT_EQ(carried(openType(collected)), 0u);
+  EXPECT_EQ(carried(test::Sfnt({{"CFF ", plain}})), 0u);
+  for (size_t i = 0; i < plain.size(); ++i) EXPECT_EQ(carried(openType(plain.substr(0, i))), 0u) << i;
 }
 
 TEST(Fonts, ReadersSeeTheText) {
