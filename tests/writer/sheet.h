@@ -60,13 +60,14 @@ inline ElementRecord RecordOf(uint32_t kind, void *payload, std::u16string_view 
 
 class Sheet {
  public:
+  // `page`: as for OpenWrite; a document that gets one more must be there.
   explicit Sheet(const Workspace &workspace, std::u16string_view name = u"sheet.pdf", double width = 100,
-                 double height = 50)
+                 double height = 50, int32_t page = kNewDocument)
       : name_(name) {
     info_.xmax = width;
     info_.ymax = height;
-    info_.pageIndex = -1;
-    stream_ = platform::OpenFile(name_, "w+b", platform::Share::kAll);
+    info_.pageIndex = page;
+    stream_ = platform::OpenFile(name_, page == kNewDocument ? "w+b" : "r+b", platform::Share::kAll);
     const auto separator = static_cast<char16_t>(std::filesystem::path::preferred_separator);
     writer_.emplace(stream_.get(), workspace.registryPath(), std::u16string(u"folder") + separator + name_);
   }

@@ -1,0 +1,132 @@
+// The metadata packet, and the rules of PDF/A-1b that can be checked without a validator.
+#include <algorithm>
+
+#include "sheet.h"
+#include "support/opened_pdf.h"
+#include "writer/metadata.h"
+
+namespace kapdf {
+namespace {
+
+std::string WriteArchive(const Workspace &workspace) {
+  workspace.pdf().WriteInteger(u"PDFA", 1);
+  workspace.pdf().WriteString(u"Subject", u"Houses");
+  workspace.pdf().WriteString(u"Keywords", u"k1 k2");
+  workspace.pdf().WriteString(u"Copyright", u"Nobody");
+  Sheet sheet(workspace);
+  sheet.Start().Layer(u"A").Raster(2, 1, 4);
+  EXPECT_EQ(sheet.Row("ABCDEF"), FilterOk);
+  sheet.Place(4, 1, {1, 1, 0, 1, 1, 50, {}, 0});
+  sheet.DrawLine(0, 0, 9, 9);
+  std::u16string style = u"s", face = u"KapdfMade", text = u"AB";
+  FontDefPayload font{};
+  font.styleName = style.data();
+  font.faceName = face.data();
+  sheet.writer().Define(RecordOf(ElemFontDef, &font));
+  TextPayload payload{5, 5, {}, 0, 0, 0, 3, 1, 0, text.data(), nullptr};
+  ElementRecord record = RecordOf(ElemText, &payload);
+  record.styleName[0] = u's';
+  EXPECT_EQ(sheet.writer().WriteElement(record), FilterOk);
+  return sheet.Finish();
+}
+
+std::string PacketOf(const std::string &file) { return Between(file, "stream\n\r", "\r\nendstream"); }
+
+TEST(PdfA, ThePacketStandsTwice) {
+  const Workspace workspace;
+  const std::string file = WriteArchive(workspace), packet = PacketOf(file);
+  const std::string head = "3 0 obj\r<<\r/Type /Metadata\r/Subtype /XML\r/Length " + std::to_string(packet.size()) +
+                           "\r>>\rstream\n\r" + packet;
+  const size_t first = file.find(head), second = file.find(head, first + 1);
+  ASSERT_NE(second, std::string::npos);
+  EXPECT_EQ(file.substr(first - 10, 10), ">>\rendobj\r") << "right behind the catalogue";
+  EXPECT_EQ(file.substr(first + head.size(), 20), "\r\nendstream\rendobj\r4");
+  EXPECT_EQ(file.substr(second - 10, 10), ">>\rendobj\r") << "right behind the page";
+  EXPECT_EQ(file.substr(second + head.size(), 20), std::string("\n\rendstream\rendobj\r\0", 20));
+  test::OpenedPdf opened(file);
+  EXPECT_EQ(opened.file.objects().Resolve(3), second);
+}
+
+TEST(PdfA, ThePacketToTheLetter) {
+  const std::string packet = MetadataPacket({"D", "T", "S<&", "C", "A", "K"});
+  const auto li = [](std::string_view text, std::string_view language = "") {
+    return "               <rdf:li" + std::string(language) + ">" + std::string(text) + "</rdf:li>\n";
+  };
+  const std::string language = " xml:lang=\"x-default\"";
+  EXPECT_TRUE(
+      packet.starts_with("<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n"
+                         "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\" x:xmptk=\"3.1-701\">\n   <rdf:RDF "));
+  std::string room;
+  for (int i = 0; i < 20; ++i) room += std::string(100, ' ') + "\n";
+  EXPECT_TRUE(
+      packet.ends_with("      </rdf:Description>\n\t  </rdf:RDF>\n</x:xmpmeta>\n" + room + "<?xpacket end=\"w\"?>\n"));
+  const std::string parts[] = {
+      "<xap:CreateDate>D</xap:CreateDate>\n         <xap:CreatorTool>kaPDF.dll Version 2.2</xap:CreatorTool>\n",
+      "<xap:ModifyDate>D<",
+      "<dc:title>\n            <rdf:Alt>\n" + li("T", language),
+      "<dc:description>\n            <rdf:Alt>\n" + li("S<&", language),
+      "<dc:rights>\n            <rdf:Alt>\n" + li("C", language),
+      "<rdf:Seq>\n" + li("A"),
+      "<rdf:Bag>\n" + li("K"),
+      "\n\t  <rdf:Description rdf:about=\"\"\n            xmlns:pdfaid=\"http://www.aiim.org/pdfa/ns/id/\">\n"
+      "         <pdfaid:part>1</pdfaid:part>\n         <pdfaid:conformance>B</pdfaid:conformance>\n"};
+  size_t at = 0;  // in this order
+  for (const std::string &part : parts) {
+    at = packet.find(part, at);
+    ASSERT_NE(at, std::string::npos) << part;
+  }
+}
+
+// What fails is told in docs/pdfa.md; both lists go together.
+TEST(PdfA, RulesThatHoldAndRulesThatDoNot) {
+  const Workspace workspace;
+  const std::string file = WriteArchive(workspace), packet = PacketOf(file);
+  const auto has = [&](std::string_view text) { return file.find(text) != std::string::npos; };
+  const auto inPacket = [&](const std::string &text) { return packet.find(text) != std::string::npos; };
+  const auto allStreams = [&](std::string_view wanted, std::string_view before) {
+    for (size_t at = 0; (at = file.find(before, at)) != std::string::npos; at += before.size()) {
+      const size_t where = before == "endstream" ? at - 1 : at + before.size();
+      if (wanted.find(file[where]) == std::string_view::npos) return false;
+    }
+    return true;
+  };
+  // The last copy counts: its announced bytes run from behind the keyword's line to the line end before "endstream".
+  const size_t last = file.rfind("/Type /Metadata");
+  const std::string tail = file.substr(file.find("stream\n", last) + 7);
+  const auto announced = static_cast<size_t>(std::stoul(Between(file.substr(last), "/Length ", "\r")));
+  const struct {
+    const char *rule;
+    bool expected, is;
+  } rules[] = {
+      {"the header stands first, with a line of bytes above 127", true,
+       file.starts_with("%PDF-1.4\r%\xFF\xFF\xFF\xFF\r")},
+      {"nothing behind the last %%EOF but a line end", true, file.ends_with("\r%%EOF\r")},
+      {"no encryption", true, !has("/Encrypt")},
+      {"no LZW", true, !has("/LZWDecode") && has("/DCTDecode")},
+      {"no transparency", true, !has("/Group") && !has("/ca ") && !has("/ExtGState") && !has("/SMask")},
+      {"no optional content", true, !has("/OCProperties") && !has("/OCG") && !has("/Properties")},
+      {"no actions, files or annotations", true, !has("/Action") && !has("/EmbeddedFile") && !has("/Annots")},
+      {"no external or alternate image data", true, !has("/Alternates") && !has("/OPI") && !has("/Interpolate true")},
+      {"fonts are embedded", true, has("/FontFile2 ")},
+      {"composite fonts tell their glyphs", true, has("/CIDToGIDMap")},
+      {"metadata without a filter", true, has("/Metadata 3 0 R") && !has("/Subtype /XML\r/Filter")},
+      {"the packet names part and level", true, inPacket("pdfaid:part>1<") && inPacket("conformance>B<")},
+      {"the packet's head has no old attributes", true, !inPacket("bytes=") && !inPacket("encoding=")},
+      {"title, subject, keywords and author are the same in both places", true,
+       has("/Title (sheet.pdf)") && inPacket(">sheet.pdf<") && has("/Subject (Houses)") && inPacket(">Houses<") &&
+           has("/Keywords (k1 k2)") && inPacket(">k1 k2<") && has("/Author (Ada)") && inPacket(">Ada<")},
+      {"the keyword stream ends its line", true, allStreams("\r\n", "R\r>>\rstream") && allStreams("\r\n", ">stream")},
+
+      {"a cross-reference table", false, has("\rxref\r")},
+      {"a trailer with /ID", false, has("/ID")},
+      {"an output intent for the device colours", false, !has("/DeviceRGB") || has("/OutputIntents")},
+      {"the length of the metadata is that of its data", false, tail.substr(announced, 11) == "\n\rendstream"},
+      {"a line end ahead of each endstream", false, allStreams("\r\n", "endstream")},
+      {"the dates are the same in both places", false, has("+02'00'")},
+      {"keywords stand in the packet's own place for them", false, inPacket("pdf:Keywords")},
+  };
+  for (const auto &r : rules) EXPECT_EQ(r.is, r.expected) << r.rule;
+}
+
+}  // namespace
+}  // namespace kapdf
