@@ -14,7 +14,7 @@ constexpr double kLeastCondition = 1e-6;
 constexpr double kZeroDiagonal = 1e-8;
 constexpr double kZeroOfFirst = 1e-12;
 
-double LargestEigenvalue(const Matrix &p) {
+double LargestEigenvalue(const Matrix<3, 3> &p) {
   const double trace = p(0, 0) + p(1, 1) + p(2, 2);
   const double minor0 = p(1, 1) * p(2, 2) - p(1, 2) * p(2, 1);
   const double minor1 = p(0, 0) * p(2, 2) - p(0, 2) * p(2, 0);
@@ -29,40 +29,33 @@ double LargestEigenvalue(const Matrix &p) {
 
 }  // namespace
 
-Matrix ConstrainedEigenvector(const Matrix &m, bool assumeZero) {
-  const Matrix none(3, 1);
-  Matrix p(3, 3);  // the inverse of the constraint's matrix, times m
-  p.SetRow(0, 0.5 * m(2, 0), 0.5 * m(2, 1), 0.5 * m(2, 2));
-  p.SetRow(1, -m(1, 0), -m(1, 1), -m(1, 2));
-  p.SetRow(2, 0.5 * m(0, 0), 0.5 * m(0, 1), 0.5 * m(0, 2));
+Matrix<3, 1> ConstrainedEigenvector(const Matrix<3, 3> &m, bool assumeZero) {
+  // The inverse of the constraint's matrix, times m.
+  Matrix<3, 3> p{{{{0.5 * m(2, 0), 0.5 * m(2, 1), 0.5 * m(2, 2)},
+                   {-m(1, 0), -m(1, 1), -m(1, 2)},
+                   {0.5 * m(0, 0), 0.5 * m(0, 1), 0.5 * m(0, 2)}}}};
   double lambda = assumeZero ? 0.0 : LargestEigenvalue(p);
-  if (lambda < kLeastEigenvalue) return none;
+  if (lambda < kLeastEigenvalue) return {};
   lambda = std::max(lambda, 0.0);
-  for (int32_t i = 0; i < 3; ++i) p(i, i) -= lambda;
-  const Matrix vector = NullVector(p);
+  for (size_t i = 0; i < 3; ++i) p(i, i) -= lambda;
+  const Matrix<3, 1> vector = NullVector(p);
   const double condition = 4 * vector(0, 0) * vector(2, 0) - vector(1, 0) * vector(1, 0);
-  if (!(condition >= kLeastCondition)) return none;
+  if (!(condition >= kLeastCondition)) return {};
   return Scale(vector, 1 / std::sqrt(condition));
 }
 
-Matrix NullVector(Matrix m) {
-  const int32_t last = m.rows() - 1;
-  Matrix vector(m.rows(), 1);
-  for (int32_t k = 0; k < last; ++k) {
-    for (int32_t row = k + 1; row <= last; ++row) {
+Matrix<3, 1> NullVector(Matrix<3, 3> m) {
+  for (size_t k = 0; k < 2; ++k) {
+    for (size_t row = k + 1; row < 3; ++row) {
       const double factor = m(row, k) / m(k, k);
-      for (int32_t col = k; col <= last; ++col) m(row, col) -= factor * m(k, col);
+      for (size_t col = k; col < 3; ++col) m(row, col) -= factor * m(k, col);
     }
   }
-  const double left = std::fabs(m(last, last));
-  if (!(left < kZeroDiagonal) && !(left < kZeroOfFirst * std::fabs(m(0, 0)))) return vector;
-  vector(last, 0) = 1;
-  for (int32_t k = last; k-- > 0;) {
-    double sum = 0;
-    for (int32_t col = k + 1; col <= last; ++col) sum -= m(k, col) * vector(col, 0);
-    vector(k, 0) = sum / m(k, k);
-  }
-  return vector.IsFinite() ? vector : Matrix(m.rows(), 1);
+  const double left = std::fabs(m(2, 2));
+  if (!(left < kZeroDiagonal) && !(left < kZeroOfFirst * std::fabs(m(0, 0)))) return {};
+  const double second = -m(1, 2) / m(1, 1), first = (-m(0, 1) * second - m(0, 2)) / m(0, 0);
+  const Matrix<3, 1> vector{{{{first}, {second}, {1}}}};
+  return vector.IsFinite() ? vector : Matrix<3, 1>();
 }
 
 }  // namespace kapdf

@@ -25,17 +25,16 @@ constexpr double kEighthTurn = 1e-6;  // of the cosine of twice the rotation
 [[gnu::always_inline]] inline void CurveFit::AddFoursInline(const double *points, size_t fours, CurveFit &fit) {
   FourLanes x = {}, y = {}, xx = {}, yy = {}, xr = {}, yr = {}, xy = {}, xxx = {}, yyy = {}, xxy = {}, xyy = {},
             xxxx = {}, yyyy = {}, xxxy = {}, xyyy = {}, xxyy = {};
-  FourLanes least = {fit.minX_, fit.minY_, fit.minX_, fit.minY_}, most = {fit.maxX_, fit.maxY_, fit.maxX_, fit.maxY_};
+  FourLanes leastX = FourLanes{} + fit.minX_, leastY = FourLanes{} + fit.minY_;
+  FourLanes mostX = FourLanes{} + fit.maxX_, mostY = FourLanes{} + fit.maxY_;
   for (size_t i = 0; i < fours; ++i, points += 8) {
-    FourLanes a, b;
-    std::memcpy(&a, points, sizeof a);
-    std::memcpy(&b, points + 4, sizeof b);
-    least = a < least ? a : least;
-    least = b < least ? b : least;
-    most = a > most ? a : most;
-    most = b > most ? b : most;
-    const FourLanes dx = FourLanes{a[0], a[2], b[0], b[2]} - fit.originX_;
-    const FourLanes dy = FourLanes{a[1], a[3], b[1], b[3]} - fit.originY_;
+    FourLanes px, py;
+    LoadFourPoints(points, px, py);
+    leastX = px < leastX ? px : leastX;
+    leastY = py < leastY ? py : leastY;
+    mostX = px > mostX ? px : mostX;
+    mostY = py > mostY ? py : mostY;
+    const FourLanes dx = px - fit.originX_, dy = py - fit.originY_;
     const FourLanes dxx = dx * dx, dyy = dy * dy, dxy = dx * dy, square = dxx + dyy;
     x += dx;
     y += dy;
@@ -54,7 +53,7 @@ constexpr double kEighthTurn = 1e-6;  // of the cosine of twice the rotation
     xyyy += dyy * dxy;
     xxyy += dxx * dyy;
   }
-  const auto total = [](const FourLanes &lanes) { return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]); };
+  const auto total = [](const FourLanes &lanes) { return (lanes[0] + lanes[2]) + (lanes[1] + lanes[3]); };
   Sums &s = fit.sum_;
   s.x += total(x);
   s.y += total(y);
@@ -72,10 +71,12 @@ constexpr double kEighthTurn = 1e-6;  // of the cosine of twice the rotation
   s.xxxy += total(xxxy);
   s.xyyy += total(xyyy);
   s.xxyy += total(xxyy);
-  fit.minX_ = std::min(least[0], least[2]);
-  fit.minY_ = std::min(least[1], least[3]);
-  fit.maxX_ = std::max(most[0], most[2]);
-  fit.maxY_ = std::max(most[1], most[3]);
+  for (int lane = 0; lane < 4; ++lane) {
+    fit.minX_ = std::min(fit.minX_, leastX[lane]);
+    fit.minY_ = std::min(fit.minY_, leastY[lane]);
+    fit.maxX_ = std::max(fit.maxX_, mostX[lane]);
+    fit.maxY_ = std::max(fit.maxY_, mostY[lane]);
+  }
   fit.count_ += static_cast<int32_t>(4 * fours);
 }
 
@@ -154,20 +155,13 @@ bool CurveFit::IsFiniteEllipse() const {
 // Flusser).
 bool CurveFit::FitConic(bool assumeZero) {
   const Sums &s = sum_;
-  Matrix s1(3, 3), s2(3, 3), s3(3, 3);
-  s1.SetRow(0, s.xxxx, s.xxxy, s.xxyy);
-  s1.SetRow(1, s.xxxy, s.xxyy, s.xyyy);
-  s1.SetRow(2, s.xxyy, s.xyyy, s.yyyy);
-  s2.SetRow(0, s.xxx, s.xxy, s.xx);
-  s2.SetRow(1, s.xxy, s.xyy, s.xy);
-  s2.SetRow(2, s.xyy, s.yyy, s.yy);
-  s3.SetRow(0, s.xx, s.xy, s.x);
-  s3.SetRow(1, s.xy, s.yy, s.y);
-  s3.SetRow(2, s.x, s.y, count_);
-  const Matrix t = Multiply(Inverse(s3), Transpose(s2));
+  const Matrix<3, 3> s1{{{{s.xxxx, s.xxxy, s.xxyy}, {s.xxxy, s.xxyy, s.xyyy}, {s.xxyy, s.xyyy, s.yyyy}}}};
+  const Matrix<3, 3> s2{{{{s.xxx, s.xxy, s.xx}, {s.xxy, s.xyy, s.xy}, {s.xyy, s.yyy, s.yy}}}};
+  const Matrix<3, 3> s3{{{{s.xx, s.xy, s.x}, {s.xy, s.yy, s.y}, {s.x, s.y, double(count_)}}}};
+  const Matrix<3, 3> t = Multiply(Inverse(s3), Transpose(s2));
   if (!t.IsFinite()) return false;
-  const Matrix squares = ConstrainedEigenvector(Subtract(s1, Multiply(s2, t)), assumeZero);
-  const Matrix rest = Scale(Multiply(t, squares), -1);
+  const Matrix<3, 1> squares = ConstrainedEigenvector(Subtract(s1, Multiply(s2, t)), assumeZero);
+  const Matrix<3, 1> rest = Scale(Multiply(t, squares), -1);
   return ConicToEllipse(squares(0, 0), squares(1, 0), squares(2, 0), rest(0, 0), rest(1, 0), rest(2, 0));
 }
 
@@ -210,13 +204,12 @@ bool CurveFit::ConicToEllipse(double a, double b, double c, double d, double e, 
 // x^2 + p y^2 + q x + r y + s = 0.
 bool CurveFit::FitParallelToAxes() {
   const Sums &s = sum_;
-  Matrix a(4, 4), right(4, 1), x;
-  a.SetRow(0, s.yyyy, s.xyy, s.yyy, s.yy);
-  a.SetRow(1, s.xyy, s.xx, s.xy, s.x);
-  a.SetRow(2, s.yyy, s.xy, s.yy, s.y);
-  a.SetRow(3, s.yy, s.x, s.y, count_);
-  right.SetVector(std::initializer_list<double>{-s.xxyy, -s.xxx, -s.xxy, -s.xx});
-  if (Solve(x, a, right) != 0) return false;
+  const Matrix<4, 4> a{{{{s.yyyy, s.xyy, s.yyy, s.yy},
+                         {s.xyy, s.xx, s.xy, s.x},
+                         {s.yyy, s.xy, s.yy, s.y},
+                         {s.yy, s.x, s.y, double(count_)}}}};
+  Matrix<4, 1> x;
+  if (Solve(x, a, {{{{-s.xxyy}, {-s.xxx}, {-s.xxy}, {-s.xx}}}}) != 0) return false;
   const double p = x(0, 0), q = x(1, 0), r = x(2, 0);
   const double square = -x(3, 0) + q * q / 4 + r * r / p / 4;
   if (!(square > 0) || !(p > kSmallestSquareTerm)) return false;

@@ -9,6 +9,15 @@ namespace kapdf {
 
 using FourLanes = double __attribute__((vector_size(32)));
 
+// Four points, x and y in turn; the lanes hold the first, the third, the second and the fourth of them.
+inline void LoadFourPoints(const double *points, FourLanes &x, FourLanes &y) {
+  FourLanes a, b;
+  std::memcpy(&a, points, sizeof a);
+  std::memcpy(&b, points + 4, sizeof b);
+  x = FourLanes{a[0], b[0], a[2], b[2]};
+  y = FourLanes{a[1], b[1], a[3], b[3]};
+}
+
 #define KAPDF_WIDE_LANES [[gnu::target("avx2")]]
 
 // Whether what has that attribute may be called.

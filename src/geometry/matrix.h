@@ -1,62 +1,150 @@
 // A small dense matrix for the fitting of curves.
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstddef>
-#include <cstdint>
-#include <span>
-
-#include "geometry/short_array.h"
+#include <numeric>
+#include <utility>
 
 namespace kapdf {
 
-// Row by row. A size of 0 or below in either direction gives an empty matrix. Copies are deep. Matrices of up to 4 by 4
-// do not allocate.
-class Matrix {
- public:
-  Matrix() = default;
-  Matrix(int32_t rows, int32_t cols, double fill = 0.0);
+template <size_t Rows, size_t Cols>
+struct Matrix {
+  std::array<std::array<double, Cols>, Rows> rows{};
 
-  int32_t rows() const { return rows_; }
-  int32_t cols() const { return cols_; }
-  double &operator()(int32_t row, int32_t col) { return data_[Index(row, col)]; }
-  double operator()(int32_t row, int32_t col) const { return data_[Index(row, col)]; }
-  std::span<double> Row(int32_t row) { return {data_.begin() + Index(row, 0), static_cast<size_t>(cols_)}; }
-  std::span<const double> Row(int32_t row) const { return {data_.begin() + Index(row, 0), static_cast<size_t>(cols_)}; }
-
-  // Copies the values to the start of a row.
-  void SetRow(int32_t row, double a, double b, double c);
-  void SetRow(int32_t row, double a, double b, double c, double d);
-  // Copies the values over the elements from the first one on, row by row; what does not fit is left out.
-  void SetVector(std::span<const double> values);
-  // Copies a row out, as far as there is place.
-  void GetRow(int32_t row, std::span<double> values) const;
+  double &operator()(size_t row, size_t col) { return rows[row][col]; }
+  double operator()(size_t row, size_t col) const { return rows[row][col]; }
 
   // No element is infinite or not a number.
-  bool IsFinite() const;
-
- private:
-  size_t Index(int32_t row, int32_t col) const {
-    return static_cast<size_t>(row) * static_cast<size_t>(cols_) + static_cast<size_t>(col);
+  bool IsFinite() const {
+    double none = 0;  // what is not finite stays so in a product
+    for (const auto &row : rows) {
+      for (const double value : row) none += value * 0.0;
+    }
+    return none == 0;
   }
-
-  int32_t rows_ = 0;
-  int32_t cols_ = 0;
-  ShortArray<double> data_;
 };
 
-// Sizes have to match; where they do not, the result is empty.
-Matrix Multiply(const Matrix &a, const Matrix &b);
-Matrix Subtract(const Matrix &a, const Matrix &b);
-Matrix Scale(const Matrix &a, double factor);
-Matrix Transpose(const Matrix &a);
+template <size_t Rows, size_t Inner, size_t Cols>
+Matrix<Rows, Cols> Multiply(const Matrix<Rows, Inner> &a, const Matrix<Inner, Cols> &b) {
+  Matrix<Rows, Cols> product;
+  for (size_t row = 0; row < Rows; ++row) {
+    for (size_t k = 0; k < Inner; ++k) {
+      for (size_t col = 0; col < Cols; ++col) product(row, col) += a(row, k) * b(k, col);
+    }
+  }
+  return product;
+}
 
-// Gauss-Jordan with full pivoting. A zero pivot is divided by like any other one, so that a singular matrix gives
-// elements that are not finite: IsFinite tells.
-Matrix Inverse(const Matrix &a);
+template <size_t Rows, size_t Cols>
+Matrix<Rows, Cols> Subtract(Matrix<Rows, Cols> a, const Matrix<Rows, Cols> &b) {
+  for (size_t row = 0; row < Rows; ++row) {
+    for (size_t col = 0; col < Cols; ++col) a(row, col) -= b(row, col);
+  }
+  return a;
+}
 
-// Solves a x = b by elimination with full pivoting, for a square matrix and one column. 0 with `x` set; -1 with `x`
-// left alone when the matrix is singular: a diagonal value that remains is below 1e-15 or not a number, or the result
-// is not finite.
-int Solve(Matrix &x, const Matrix &a, const Matrix &b);
+template <size_t Rows, size_t Cols>
+Matrix<Rows, Cols> Scale(Matrix<Rows, Cols> a, double factor) {
+  for (auto &row : a.rows) {
+    for (double &value : row) value *= factor;
+  }
+  return a;
+}
+
+template <size_t Rows, size_t Cols>
+Matrix<Cols, Rows> Transpose(const Matrix<Rows, Cols> &a) {
+  Matrix<Cols, Rows> turned;
+  for (size_t row = 0; row < Rows; ++row) {
+    for (size_t col = 0; col < Cols; ++col) turned(col, row) = a(row, col);
+  }
+  return turned;
+}
+
+namespace detail {
+
+// Place of the largest absolute value in the block from (first, first) on; the block's corner when nothing is larger.
+template <size_t Size>
+std::pair<size_t, size_t> FindPivot(const Matrix<Size, Size> &m, size_t first) {
+  std::pair<size_t, size_t> place(first, first);
+  double largest = std::fabs(m(first, first));
+  if (std::isnan(largest)) largest = 0;
+  for (size_t row = first; row < Size; ++row) {
+    for (size_t col = first; col < Size; ++col) {
+      const double size = std::fabs(m(row, col));
+      if (!(size > largest)) continue;
+      largest = size;
+      place = {row, col};
+    }
+  }
+  return place;
+}
+
+template <size_t Rows, size_t Cols>
+void SwapColumns(Matrix<Rows, Cols> &m, size_t i, size_t k) {
+  for (auto &row : m.rows) std::swap(row[i], row[k]);
+}
+
+}  // namespace detail
+
+// Gauss-Jordan with full pivoting, in place: the columns of the unit matrix grow where those of `m` are done with, and
+// the exchanges are undone at the end, last first, rows for columns. A zero pivot is divided by like any other one, so
+// that a singular matrix gives elements that are not finite: IsFinite tells.
+template <size_t Size>
+Matrix<Size, Size> Inverse(Matrix<Size, Size> m) {
+  std::array<std::pair<size_t, size_t>, Size> pivots;
+  for (size_t k = 0; k < Size; ++k) {
+    const auto [pivotRow, pivotCol] = pivots[k] = detail::FindPivot(m, k);
+    std::swap(m.rows[k], m.rows[pivotRow]);
+    detail::SwapColumns(m, k, pivotCol);
+    const double scale = 1.0 / m(k, k);
+    m(k, k) = 1.0;
+    for (double &value : m.rows[k]) value *= scale;
+    for (size_t row = 0; row < Size; ++row) {
+      if (row == k) continue;
+      const double factor = m(row, k);
+      m(row, k) = 0.0;
+      for (size_t col = 0; col < Size; ++col) m(row, col) -= factor * m(k, col);
+    }
+  }
+  for (size_t k = Size; k-- > 0;) {
+    std::swap(m.rows[k], m.rows[pivots[k].second]);
+    detail::SwapColumns(m, k, pivots[k].first);
+  }
+  return m;
+}
+
+// Solves m x = right by elimination with full pivoting. 0 with `x` set; -1 with `x` left alone when the matrix is
+// singular: a diagonal value that remains is below 1e-15 or not a number, or the result is not finite.
+template <size_t Size>
+int Solve(Matrix<Size, 1> &x, Matrix<Size, Size> m, Matrix<Size, 1> right) {
+  constexpr double kSmallestDiagonal = 1e-15;
+  Matrix<Size, 1> solution;
+  std::array<size_t, Size> order;  // the unknown that each column stands for
+  std::iota(order.begin(), order.end(), size_t{0});
+  for (size_t k = 0; k < Size; ++k) {
+    const auto [pivotRow, pivotCol] = detail::FindPivot(m, k);
+    std::swap(m.rows[k], m.rows[pivotRow]);
+    std::swap(right.rows[k], right.rows[pivotRow]);
+    detail::SwapColumns(m, k, pivotCol);
+    std::swap(order[k], order[pivotCol]);
+    if (!(std::fabs(m(k, k)) >= kSmallestDiagonal)) return -1;  // the largest one left: all that follow are no larger
+    for (size_t row = k + 1; row < Size; ++row) {
+      const double factor = m(row, k) / m(k, k);
+      for (size_t col = k; col < Size; ++col) m(row, col) -= factor * m(k, col);
+      right(row, 0) -= factor * right(k, 0);
+    }
+  }
+  for (size_t k = Size; k-- > 0;) {
+    double sum = right(k, 0);
+    for (size_t col = k + 1; col < Size; ++col) sum -= m(k, col) * solution(order[col], 0);
+    solution(order[k], 0) = sum / m(k, k);
+  }
+  if (!solution.IsFinite()) return -1;
+  x = solution;
+  return 0;
+}
 
 }  // namespace kapdf

@@ -18,19 +18,22 @@ constexpr double kFlattest = 20;
 constexpr double kRoundest = 0.01;
 constexpr double kSameAngle = 1e-6;
 
+using FourFlags = decltype(FourLanes{} < FourLanes{});  // all bits or none of a lane
+
+bool AnyOf(const FourFlags &flags) { return (flags[0] | flags[1] | flags[2] | flags[3]) != 0; }
+
 // False when two segments meet at 90 degrees or less. A segment without length does not count as such a corner, but the
 // next one does.
 [[gnu::always_inline]] inline bool IsSmoothInline(std::span<const double> points) {
   size_t i = 4;
-  for (; i + 4 <= points.size(); i += 4) {  // two corners at a time
-    FourLanes first, middle, last;
-    std::memcpy(&first, &points[i - 4], sizeof first);
-    std::memcpy(&middle, &points[i - 2], sizeof middle);
-    std::memcpy(&last, &points[i], sizeof last);
-    const FourLanes before = middle - first, segment = last - middle;
-    const FourLanes dot = segment * before, square = segment * segment;
-    if ((dot[0] + dot[1] <= 0 && square[0] + square[1] > 0) || (dot[2] + dot[3] <= 0 && square[2] + square[3] > 0))
-      return false;
+  for (; i + 8 <= points.size(); i += 8) {
+    FourLanes firstX, firstY, middleX, middleY, lastX, lastY;
+    LoadFourPoints(&points[i - 4], firstX, firstY);
+    LoadFourPoints(&points[i - 2], middleX, middleY);
+    LoadFourPoints(&points[i], lastX, lastY);
+    const FourLanes dx = lastX - middleX, dy = lastY - middleY;
+    const FourLanes dot = dx * (middleX - firstX) + dy * (middleY - firstY), square = dx * dx + dy * dy;
+    if (AnyOf((dot <= 0) & (square > 0))) return false;
   }
   for (; i < points.size(); i += 2) {
     const double dx = points[i] - points[i - 2], dy = points[i + 1] - points[i - 1];
@@ -44,47 +47,68 @@ KAPDF_WIDE_LANES bool IsSmoothWide(std::span<const double> points) { return IsSm
 
 bool IsSmooth(std::span<const double> points) { return HasWideLanes() ? IsSmoothWide(points) : IsSmoothInline(points); }
 
-double LengthOf(std::span<const double> points) {
-  double length = 0;
-  for (size_t i = 2; i < points.size(); i += 2) {
+// Whether the segments together are at least that long; those that are not needed to tell are not looked at.
+bool IsAsLong(std::span<const double> points, double length) {
+  double sum = 0;
+  for (size_t i = 2; i < points.size() && !(sum >= length); i += 2) {
     const double dx = points[i] - points[i - 2], dy = points[i + 1] - points[i - 1];
-    length += std::sqrt(dx * dx + dy * dy);
+    sum += std::sqrt(dx * dx + dy * dy);
   }
-  return length;
+  return sum >= length;
 }
 
-// Squared distances are compared with the squares of the limits.
-class Ring {
- public:
-  Ring(double x, double y, double radius, double tolerance) : x_(x), y_(y) {
-    const double inner = std::max(0.0, 1 - tolerance) * radius, outer = (1 + tolerance) * radius;
-    inner_ = inner * inner;
-    outer_ = outer * outer;
+// The room between two circles around one centre, both included.
+struct Ring {
+  Ring(const CurveFit &fit, double tolerance) : centreX(fit.centreX()), centreY(fit.centreY()) {
+    const double least = std::max(0.0, 1 - tolerance) * fit.radius(), most = (1 + tolerance) * fit.radius();
+    inner = least * least;
+    outer = most * most;
   }
-  bool Holds(double x, double y) const {
-    const double dx = x - x_, dy = y - y_, square = dx * dx + dy * dy;
-    return square >= inner_ && square <= outer_;
-  }
+  double centreX, centreY, inner, outer;  // radii squared
 
- private:
-  double x_, y_, inner_, outer_;
+  bool Misses(double x, double y) const {
+    const double dx = x - centreX, dy = y - centreY, square = dx * dx + dy * dy;
+    return !(square >= inner && square <= outer);
+  }
+  void FindMisses(const FourLanes &x, const FourLanes &y, FourFlags &misses) const {
+    const FourLanes dx = x - centreX, dy = y - centreY, square = dx * dx + dy * dy;
+    misses |= ~((square >= inner) & (square <= outer));
+  }
 };
 
 // The middle of a chord lies inside its arc and has twice the room of a point.
-bool FitsCircle(std::span<const double> points, const CurveFit &fit, double tolerance) {
-  const Ring ring(fit.centreX(), fit.centreY(), fit.radius(), tolerance);
-  const Ring wide(fit.centreX(), fit.centreY(), fit.radius(), 2 * tolerance);
-  if (!ring.Holds(points[0], points[1])) return false;
-  for (size_t i = 2; i < points.size(); i += 2) {
-    if (!ring.Holds(points[i], points[i + 1])) return false;
-    if (!wide.Holds((points[i - 2] + points[i]) / 2, (points[i - 1] + points[i + 1]) / 2)) return false;
+[[gnu::always_inline]] inline bool FitsCircleInline(std::span<const double> points, const Ring &ring,
+                                                    const Ring &wide) {
+  if (ring.Misses(points[0], points[1])) return false;
+  size_t i = 2;
+  for (; i + 8 <= points.size(); i += 8) {
+    FourLanes beforeX, beforeY, x, y;
+    LoadFourPoints(&points[i - 2], beforeX, beforeY);
+    LoadFourPoints(&points[i], x, y);
+    FourFlags misses{};
+    ring.FindMisses(x, y, misses);
+    wide.FindMisses((beforeX + x) / 2, (beforeY + y) / 2, misses);
+    if (AnyOf(misses)) return false;
+  }
+  for (; i < points.size(); i += 2) {
+    if (ring.Misses(points[i], points[i + 1])) return false;
+    if (wide.Misses((points[i - 2] + points[i]) / 2, (points[i - 1] + points[i + 1]) / 2)) return false;
   }
   return true;
 }
 
+KAPDF_WIDE_LANES bool FitsCircleWide(std::span<const double> points, const Ring &ring, const Ring &wide) {
+  return FitsCircleInline(points, ring, wide);
+}
+
+bool FitsCircle(std::span<const double> points, const CurveFit &fit, double tolerance) {
+  const Ring ring(fit, tolerance), wide(fit, 2 * tolerance);
+  return HasWideLanes() ? FitsCircleWide(points, ring, wide) : FitsCircleInline(points, ring, wide);
+}
+
 // Whether points are near to an ellipse. Most of them need no distance. With q = (u/a)^2 + (v/b)^2, what is left along
 // the line from the centre is |1 - 1/sqrt(q)| of the point's distance from it, below |q - 1| a while that is small; and
-// it is no less than the real distance.
+// it is no less than the real distance. That one in turn is no less than |sqrt(q) - 1| b.
 class Band {
  public:
   Band(const Ellipse &ellipse, double limit)
@@ -94,11 +118,21 @@ class Band {
         uOfX_(std::cos(ellipse.rotation) / ellipse.a),
         uOfY_(std::sin(ellipse.rotation) / ellipse.a),
         vOfX_(-std::sin(ellipse.rotation) / ellipse.b),
-        vOfY_(std::cos(ellipse.rotation) / ellipse.b) {}
+        vOfY_(std::cos(ellipse.rotation) / ellipse.b) {
+    const double beyond = (limit * ellipse.a * kSureFactor + kSureLength) / ellipse.b;
+    const double least = std::max(0.0, 1 - beyond), most = 1 + beyond;
+    inner_ = least * least;
+    outer_ = most * most;
+  }
+  // Sure to be too far away.
+  bool Misses(double x, double y) const {
+    const double square = Square(x, y);
+    return square < inner_ || square > outer_;
+  }
   bool Holds(double x, double y) const {
-    const double dx = x - ellipse_.centreX, dy = y - ellipse_.centreY;
-    const double u = dx * uOfX_ + dy * uOfY_, v = dx * vOfX_ + dy * vOfY_, square = u * u + v * v;
+    const double square = Square(x, y);
     if (std::fabs(square - 1) <= plainLimit_) return true;
+    const double dx = x - ellipse_.centreX, dy = y - ellipse_.centreY;
     const double beyond = std::fabs(1 - 1 / std::sqrt(square)) * std::sqrt(dx * dx + dy * dy);
     if (beyond <= limit_ * ellipse_.a) return true;
     double angle;
@@ -107,12 +141,24 @@ class Band {
 
  private:
   static constexpr double kPlainReach = 0.4;
+  // More than what distances are rounded by.
+  static constexpr double kSureFactor = 1.001, kSureLength = 1e-3;
+
+  double Square(double x, double y) const {
+    const double dx = x - ellipse_.centreX, dy = y - ellipse_.centreY;
+    const double u = dx * uOfX_ + dy * uOfY_, v = dx * vOfX_ + dy * vOfY_;
+    return u * u + v * v;
+  }
+
   const Ellipse &ellipse_;
-  double limit_, plainLimit_, uOfX_, uOfY_, vOfX_, vOfY_;
+  double limit_, plainLimit_, uOfX_, uOfY_, vOfX_, vOfY_, inner_, outer_;
 };
 
 bool FitsEllipse(std::span<const double> points, const Ellipse &ellipse, double tolerance) {
   const Band band(ellipse, 2 * tolerance);
+  for (size_t i = 0; i < points.size(); i += 2) {
+    if (band.Misses(points[i], points[i + 1])) return false;
+  }
   if (!band.Holds(points[0], points[1])) return false;
   for (size_t i = 2; i < points.size(); i += 2) {
     if (!band.Holds(points[i], points[i + 1])) return false;
@@ -179,20 +225,23 @@ RecognizedCurve RecognizeEllipse(std::span<const double> points, CurveFit &fit, 
 
 }  // namespace
 
+// Corners are mostly found near the start; where there is none, the other rules may spare looking at the rest.
 RecognizedCurve RecognizeCurve(std::span<const double> points, double tolerance) {
-  if (points.size() <= kLeastValues) return {};
-  if (!IsSmooth(points)) return {};
+  if (points.size() <= kLeastValues || !IsSmooth(points.first(kLeastValues))) return {};
   CurveFit fit;
   fit.AddPoints(points);
   if (!fit.WithinBounds()) return {};
   const bool closed = points[0] == points[points.size() - 2] && points[1] == points[points.size() - 1];
+  RecognizedCurve curve;
   if (fit.SolveCircle(false) && FitsCircle(points, fit, tolerance) &&
-      LengthOf(points) >= fit.radius() * (std::numbers::pi / 18)) {
-    RecognizedCurve curve = CurveOf(fit, closed);
+      IsAsLong(points, fit.radius() * (std::numbers::pi / 18))) {
+    curve = CurveOf(fit, closed);
     if (!closed) RunThroughMiddle(points, curve);
-    return curve;
+  } else {
+    curve = RecognizeEllipse(points, fit, tolerance, closed);
   }
-  return RecognizeEllipse(points, fit, tolerance, closed);
+  if (curve.kind != RecognizedCurve::Kind::kNone && !IsSmooth(points)) return {};
+  return curve;
 }
 
 }  // namespace kapdf
