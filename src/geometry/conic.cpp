@@ -22,9 +22,7 @@ double LargestEigenvalue(const Matrix<3, 3> &p) {
   const double determinant = p(0, 0) * minor0 - p(0, 1) * (p(1, 0) * p(2, 2) - p(1, 2) * p(2, 0)) +
                              p(0, 2) * (p(1, 0) * p(2, 1) - p(1, 1) * p(2, 0));
   const double characteristic[] = {determinant, -(minor0 + minor1 + minor2), trace, -1};
-  double largest = kNoEigenvalue;
-  for (const double root : SolvePolynomial(characteristic)) largest = std::max(largest, root);
-  return largest;
+  return LargestRoot(characteristic, kNoEigenvalue);
 }
 
 }  // namespace

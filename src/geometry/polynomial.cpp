@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace kapdf {
 namespace {
@@ -44,8 +45,7 @@ void AddMonicQuartic(RealRoots &roots, double a, double b, double c, double d) {
   const double q = c - 2 * b * shift + 8 * shift * shift * shift;
   const double r = d - c * shift + b * shift * shift - 3 * shift * shift * shift * shift;
   const double resolvent[] = {-q * q, p * p - 4 * r, 2 * p, 1};
-  double square = 0;
-  for (const double root : SolvePolynomial(resolvent)) square = std::max(square, root);
+  const double square = LargestRoot(resolvent, 0);
   const int before = roots.count;
   const double linear = std::sqrt(square);
   // Without a linear term the quartic is a quadratic in x^2, and both factors follow from that one's roots.
@@ -79,23 +79,41 @@ double Polish(std::span<const double> coefficients, double root) {
   return root;
 }
 
-}  // namespace
+using Coefficients = std::span<const double>;
 
-RealRoots SolvePolynomial(std::span<const double> coefficients) {
-  while (!coefficients.empty() && std::fabs(coefficients.back()) < kNoCoefficient) {
-    coefficients = coefficients.first(coefficients.size() - 1);
-  }
-  const auto &c = coefficients;
-  RealRoots found, roots;
+Coefficients WithoutSmallOnes(Coefficients c) {
+  while (!c.empty() && std::fabs(c.back()) < kNoCoefficient) c = c.first(c.size() - 1);
+  return c;
+}
+
+RealRoots FindRoots(Coefficients c) {
+  RealRoots found;
   if (c.size() == 2) found.Add(-c[0] / c[1]);
   if (c.size() == 3) AddQuadratic(found, c[2], c[1], c[0]);
   if (c.size() == 4) AddMonicCubic(found, c[2] / c[3], c[1] / c[3], c[0] / c[3]);
   if (c.size() == 5) AddMonicQuartic(found, c[3] / c[4], c[2] / c[4], c[1] / c[4], c[0] / c[4]);
-  for (const double root : found) {
+  return found;
+}
+
+}  // namespace
+
+RealRoots SolvePolynomial(std::span<const double> coefficients) {
+  const Coefficients c = WithoutSmallOnes(coefficients);
+  RealRoots roots;
+  for (const double root : FindRoots(c)) {
     const double polished = Polish(c, root);
     if (std::isfinite(polished)) roots.Add(polished);
   }
   return roots;
+}
+
+double LargestRoot(std::span<const double> coefficients, double least) {
+  const Coefficients c = WithoutSmallOnes(coefficients);
+  double largest = -std::numeric_limits<double>::infinity();
+  for (const double root : FindRoots(c)) {
+    if (std::isfinite(root)) largest = std::max(largest, root);
+  }
+  return std::max(least, Polish(c, largest));
 }
 
 }  // namespace kapdf

@@ -19,5 +19,7 @@ struct RealRoots {
 // quadratic whose discriminant lies between -1e-9 and 1e-20 counts as a double root, which is told once. Every root is
 // polished by up to four Newton steps; one that is not finite is left out. In no order.
 RealRoots SolvePolynomial(std::span<const double> coefficients);
+// The largest of them, but not less than `least`; the others are not polished.
+double LargestRoot(std::span<const double> coefficients, double least);
 
 }  // namespace kapdf
