@@ -286,7 +286,7 @@ uint32_t OpenWrite(FilterObject *self, const char16_t *path, FileInfo *info, Pro
                    const char16_t *options) {
   FakeFilter &f = Self(self);
   for (const char16_t *c = options; c != nullptr && *c != 0; ++c) f.options += static_cast<char>(*c);
-  f.log.open(PathOf(path), std::ios::binary);
+  f.log.open(PathOf(path), info->pageIndex == -1 ? std::ios::binary : std::ios::binary | std::ios::app);
   if (!f.log) return FilterCannotWrite;
   if (f.options == "/col X") return FilterBadOption;
   f.log << "open " << info->pageIndex << " of " << info->pageCount << " box " << info->xmin << " " << info->ymin << " "
