@@ -150,8 +150,8 @@ Outcome Run(CommandLine &line, const std::vector<CLI::App *> &commands, const St
   std::vector<SettingValue> values;
   std::vector<std::string> assignments = line.settings;
   if (line.pdfa) assignments.emplace_back("PDFA=1");
-  // Coordinate systems are to come through, unless somebody says otherwise.
-  if (commands[3]->parsed()) assignments.emplace(assignments.begin(), "GeoTiff=1");
+  // Coordinate systems and glyphs are to come through, unless somebody says otherwise.
+  if (commands[3]->parsed()) assignments.insert(assignments.begin(), {"GeoTiff=1", "EmbedFonts=1"});
   for (const std::string &assignment : assignments) {
     if (Outcome parsed = ParseSetting(assignment, values); !parsed.ok()) return parsed;
   }
