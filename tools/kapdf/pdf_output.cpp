@@ -1,6 +1,7 @@
 #include "pdf_output.h"
 
-#include <filesystem>
+#include <chrono>
+#include <thread>
 
 #include "page_writer.h"
 #include "results.h"
@@ -10,6 +11,22 @@ namespace kapdf::tool {
 namespace {
 
 constexpr int32_t kNewDocument = -1, kAddPage = -2;
+constexpr int kAttempts = 10;  // at a file that another process extends, as the module has them for itself
+constexpr std::chrono::milliseconds kPause(500);
+
+uint32_t IdentifyInTime(Filter &reader, const std::u16string &path, FileInfo &info) {
+  for (int attempt = 1;; ++attempt) {
+    const uint32_t result = reader.table().Identify(reader.get(), path.c_str(), &info);
+    if (result != FilterCannotRead || attempt == kAttempts || InterruptGuard::Requested()) return result;
+    std::this_thread::sleep_for(kPause);
+  }
+}
+
+std::optional<uintmax_t> SizeOf(const std::string &path) {
+  std::error_code error;
+  const uintmax_t bytes = std::filesystem::file_size(PathOf(path), error);
+  return error ? std::nullopt : std::optional(bytes);
+}
 
 }  // namespace
 
@@ -18,7 +35,7 @@ PdfOutput::~PdfOutput() {
   filter_.table().Close(filter_.get());
   std::error_code ignored;
   if (extends_) {
-    std::filesystem::resize_file(PathOf(target_.path), olderBytes_, ignored);
+    if (olderBytes_) std::filesystem::resize_file(PathOf(target_.path), *olderBytes_, ignored);
   } else {
     std::filesystem::remove(PathOf(target_.path), ignored);
   }
@@ -41,14 +58,19 @@ Outcome PdfOutput::LookAtOlderFile() {
   Filter reader;
   if (Outcome made = reader.Create(session_.module.ReadingRow(), session_.registryPath); !made.ok()) return made;
   FileInfo info{};
-  const uint32_t result = reader.table().Identify(reader.get(), ToUtf16(target_.path).c_str(), &info);
+  const uint32_t result = IdentifyInTime(reader, ToUtf16(target_.path), info);
   if (result != FilterOk) return Fail("cannot add to " + target_.path + ": " + OpenResult(result));
   if (target_.replace && (*target_.replace < 1 || *target_.replace > info.pageCount)) {
     return NoSuchPage(target_.path, *target_.replace, info.pageCount);
   }
   extends_ = true;
-  olderBytes_ = std::filesystem::file_size(path, error);
-  return error ? Fail("cannot read the size of " + target_.path) : Outcome{};
+  return {};
+}
+
+// Another process may have added a page while the module waited for the file; then nobody knows where it ended.
+void PdfOutput::NoteOlderBytes(std::optional<uintmax_t> before) {
+  if (begun_ || !extends_) return;
+  if (before && before == SizeOf(target_.path)) olderBytes_ = before;
 }
 
 Outcome PdfOutput::BeginPage(const Box &extents, Progress &progress) {
@@ -60,8 +82,10 @@ Outcome PdfOutput::BeginPage(const Box &extents, Progress &progress) {
   info.pageCount = pagesToCome_;
   info.pageIndex = target_.replace ? *target_.replace - 1 : extends_ || pages_ > 0 ? kAddPage : kNewDocument;
   const std::u16string options = ToUtf16(target_.options);
+  const std::optional<uintmax_t> before = SizeOf(target_.path);
   const uint32_t result = filter_.table().OpenWrite(filter_.get(), ToUtf16(target_.path).c_str(), &info,
                                                     progress.object(), options.empty() ? nullptr : options.c_str());
+  NoteOlderBytes(before);
   // With any other result the file has been made, emptied or extended already.
   if (result != FilterCannotWrite) begun_ = true;
   return result == FilterOk ? Outcome{} : Fail("cannot write " + target_.path + ": " + OpenResult(result));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "commands.h"
@@ -15,7 +16,7 @@ namespace kapdf::tool {
 class PageWriter;
 
 // What was written goes away again unless it is kept: a new file as a whole, of an older one all that stands behind
-// what it held.
+// what it held, if nobody else added to it meanwhile.
 class PdfOutput {
  public:
   PdfOutput(const Session &session, const Target &target) : session_(session), target_(target) {}
@@ -36,6 +37,7 @@ class PdfOutput {
 
  private:
   Outcome LookAtOlderFile();
+  void NoteOlderBytes(std::optional<uintmax_t> before);
 
   const Session &session_;
   const Target &target_;
@@ -43,7 +45,7 @@ class PdfOutput {
   int pagesToCome_ = 0, pages_ = 0;
   bool begun_ = false;    // the file holds something that is not kept yet
   bool extends_ = false;  // an older file
-  uintmax_t olderBytes_ = 0;
+  std::optional<uintmax_t> olderBytes_;
   KindCounts written_, refused_, drawnPlain_;
 };
 

@@ -4,7 +4,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
+#include <vector>
 
 #include "filter/filter.h"
 #include "support/pdf_builder.h"
@@ -13,21 +15,25 @@
 namespace kapdf {
 namespace {
 
-[[noreturn]] void AddPagesUntilKilled(const std::u16string &path) {
+[[noreturn]] void AddPages(const std::u16string &path) {
   for (;;) {
     auto *filter = new CPDFFilter(u"Software\\kaPDF-tests\\killed", true);
     FileInfo info{};
     info.xmax = info.ymax = 100;
     info.pageIndex = -2;
     if (filter->OpenWrite(path.c_str(), &info, nullptr, nullptr) != FilterOk) _exit(1);
-    filter->EndSection(2, 0, 0);
-    filter->BeginSection(4, 0, 0);
+    // Rows of noise, so that much is written for long.
+    RasterHeaderPayload header{500, 2000, 0, 0, 100, 0, 4, nullptr};
     ElementRecord record{};
-    record.kind = ElemLine;
-    for (int i = 0; i < 20000; ++i) {
-      LinePayload line{0.1, i * 0.37, 1, i * 0.91, i * 1.13};
-      record.payload = &line;
-      filter->WriteElement(&record);
+    record.kind = ElemRasterHeader;
+    record.payload = &header;
+    filter->WriteElement(&record);
+    std::vector<uint8_t> row(1500);
+    record.kind = ElemRasterRows;
+    record.payload = row.data();
+    record.payloadBytes = 1500;
+    for (uint32_t noise = 1; filter->WriteElement(&record) == FilterOk;) {
+      for (uint8_t &byte : row) byte = static_cast<uint8_t>((noise = noise * 1664525 + 1013904223) >> 24);
     }
     filter->Close();
     filter->Destroy(1);
@@ -42,7 +48,7 @@ TEST(Killed, LeavesTheOldBytes) {
     file.Close();
     const pid_t child = fork();
     ASSERT_GE(child, 0);
-    if (child == 0) AddPagesUntilKilled(file.path16());
+    if (child == 0) AddPages(file.path16());
     usleep(static_cast<useconds_t>(500 + round * round * 150));
     kill(child, SIGKILL);
     int status = 0;
