@@ -29,7 +29,7 @@ int main(int argc, char **argv) {
   SeedFolder import(argv[1], "import"), objects(argv[1], "objects"), content(argv[1], "content"),
       exports(argv[1], "export"), codecs(argv[1], "codecs"), images(argv[1], "images"), faxes(argv[1], "ccitt"),
       rasters(argv[1], "raster"), cmaps(argv[1], "cmap"), fonts(argv[1], "font"), subsets(argv[1], "subset"),
-      bombs(argv[1], "bombs");
+      curves(argv[1], "recognition"), bombs(argv[1], "bombs");
   AddDocuments(import);
   AddObjects(objects);
   AddContents(content);
@@ -41,6 +41,7 @@ int main(int argc, char **argv) {
   AddCMaps(cmaps);
   AddFonts(fonts);
   AddSubsets(subsets);
+  AddCurves(curves);
   AddBombs(bombs);
   return 0;
 }

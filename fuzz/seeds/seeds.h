@@ -21,6 +21,7 @@ void AddDocuments(SeedFolder &folder);
 // Small files that ask for as much time or memory as they can. Too slow to mutate; they are only replayed.
 void AddBombs(SeedFolder &folder);
 void AddObjects(SeedFolder &folder);
+void AddCurves(SeedFolder &folder);
 void AddContents(SeedFolder &folder);
 void AddDrawings(SeedFolder &folder);
 void AddCodecs(SeedFolder &folder);

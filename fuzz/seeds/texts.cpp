@@ -70,6 +70,18 @@ std::string_view SampleContent() {
          "0 0 100 100 re 20 20 60 60 re f*\n";
 }
 
+// What is drawn, then place, half axes, step and two lengths as 64ths, the tolerance and the number of points.
+void AddCurves(SeedFolder &folder) {
+  const auto curve = [&](std::string_view name, uint8_t shape, std::initializer_list<int> values, uint8_t points) {
+    std::string bytes(1, static_cast<char>(shape));
+    for (const int value : values) bytes += {5, static_cast<char>(value * 64), static_cast<char>(value * 64 >> 8)};
+    folder.Add(name, bytes + '\1' + static_cast<char>(points));
+  };
+  curve("circle", 0, {10, 20, 50, 50, 4, 0, 0}, 101);
+  curve("ellipse", 0, {-90, 400, 50, 30, 4, 0, 0}, 90);
+  curve("bezier", 1, {0, 0, 0, 30, 55, 0, 55}, 0);
+}
+
 void AddObjects(SeedFolder &folder) {
   for (const Seed &seed : kObjects) folder.Add(seed.name, seed.text);
   folder.Add("nested_arrays", std::string(300, '[') + "1" + std::string(300, ']'));
