@@ -348,6 +348,11 @@ typedef void (*FilterDestroyFunction)(FilterObject *filter);
 typedef FilterObject *(*FilterCreateFunction)(uint32_t zero, const char16_t *path, const char16_t *registryPath,
                                               FilterDestroyFunction *destroy);
 
+/* Of ShowOptions. */
+#define KAPDF_OPTIONS_IMPORT 0
+#define KAPDF_OPTIONS_EXPORT 1
+#define KAPDF_OPTION_UNITS 512
+
 typedef struct FilterTable {
   /* 0: runs the destructor; bit 0 of the flag frees the object. Hosts call the row's `destroy` instead. */
   void (*Destroy)(FilterObject *self, uint32_t deleteFlag);
@@ -378,7 +383,11 @@ typedef struct FilterTable {
                          uint32_t reset);
   /* 11: ends the document; the object can open another one. */
   uint32_t (*Close)(FilterObject *self);
-  /* 12: options dialog; 2 where there is none. */
+  /* 12: shows the dialog of KAPDF_OPTIONS_IMPORT or KAPDF_OPTIONS_EXPORT (`which`) in front of the window `parent`,
+   * a handle or null, and waits for it. `options` is null or a buffer of KAPDF_OPTION_UNITS UTF-16 units: an option
+   * string, or an empty one, that comes above the settings on entry, and the one for OpenRead or OpenWrite on
+   * success. What was chosen is kept in the settings, too. 0 done, 17 cancelled (nothing has changed), 2 where there
+   * is no user interface. */
   uint32_t (*ShowOptions)(FilterObject *self, int32_t which, void *parent, void *options);
   /* 13: answers 0xFFFF0001. */
   uint32_t (*Extended)(FilterObject *self, void *a, int32_t b, void *c);

@@ -1,6 +1,9 @@
 // The filter base, and what reading and writing have in common.
 #include "filter/filter.h"
 
+#include <algorithm>
+
+#include "filter/option_form.h"
 #include "platform/file.h"
 #include "platform/narrow_path.h"
 #include "platform/settings.h"
@@ -82,6 +85,26 @@ uint32_t CPDFFilter::Close() {
   writer_.reset();
   stream_.reset();
   return FilterOk;
+}
+
+// The next document is opened with what the person chose, whether the host hands the string on or not.
+uint32_t CPDFFilter::ShowOptions(int32_t which, void *parent, void *options) {
+  if (which != KAPDF_OPTIONS_IMPORT && which != KAPDF_OPTIONS_EXPORT) return FilterNotAvailable;
+  try {
+    auto *const units = static_cast<char16_t *>(options);
+    const std::u16string given(units, units ? std::find(units, units + KAPDF_OPTION_UNITS, u'\0') : units);
+    OptionForm form(which == KAPDF_OPTIONS_IMPORT ? OptionForm::Direction::kImport : OptionForm::Direction::kExport,
+                    registryPath_, given);
+    const auto answer = platform::ShowForm(parent, form.dialog(), form.fields());
+    if (answer == platform::FormAnswer::kCancelled) return FilterCancelled;
+    if (answer == platform::FormAnswer::kUnavailable) return FilterNotAvailable;
+    form.Save();
+    ReadSettings();
+    if (units) units[form.Options().copy(units, KAPDF_OPTION_UNITS - 1)] = 0;
+    return FilterOk;
+  } catch (...) {  // memory
+    return FilterNotAvailable;
+  }
 }
 
 void CPDFFilter::DropDocument() {

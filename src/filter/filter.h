@@ -64,6 +64,7 @@ class CPDFFilter final : public CZVFilter {
   uint32_t EndSection(int32_t section, uintptr_t a, uintptr_t b) override;
   uint32_t WriteElement(ElementRecord *record) override;
   uint32_t Close() override;
+  uint32_t ShowOptions(int32_t which, void *parent, void *options) override;
 
  private:
   ~CPDFFilter() { DropRenderedPage(); }

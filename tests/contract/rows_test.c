@@ -66,7 +66,7 @@ static void TestSlots(const FilterRow *row) {
   EQUAL(5, ((PointerSlot)slots[9])(filter, &record));
   EQUAL(0, ((CloseSlot)slots[11])(filter));
   EQUAL(0, ((CloseSlot)slots[11])(filter));
-  EQUAL(2, ((OptionsSlot)slots[12])(filter, 0, NULL, NULL));
+  EQUAL(2, ((OptionsSlot)slots[12])(filter, 2, NULL, NULL)); /* no such dialog; one that is would wait for a person */
   EQUAL(0xFFFF0001, ((ExtendedSlot)slots[13])(filter, NULL, 0, NULL));
   EQUAL(0xFFFF0001, ((ExtendedSlot)slots[13])(filter, &record, 7, &info));
   ((DestroySlot)slots[0])(filter, 1);
