@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cmath>
 #include <functional>
 #include <map>
 #include <thread>
@@ -137,10 +138,10 @@ TEST_F(RendererBridge, APageBecomesARasterAndItsText) {
   for (const size_t length : {3, 1024}) {
     ASSERT_EQ(in->Ask(ElemNone), FilterOk);
     const auto text = LoadAs<TextPayload>(in->record.payload);
-    EXPECT_EQ(std::tuple(in->record.kind, in->record.color, in->record.layerName, std::u16string(text.fontName), text.x,
-                         text.y, text.angle, text.height, text.widthFactor, text.style),
+    EXPECT_EQ(std::tuple(in->record.kind, in->record.color, in->record.layerName, std::u16string(text.fontName),
+                         +text.x, +text.y, +text.angle, +text.height, +text.widthFactor, +text.style),
               std::tuple(ElemText, 0x800000FF, u"PDF-Text"s, u"Text", 10.5, 20.25, std::acos(0.0), 2.5, 1, 9));
-    EXPECT_EQ(text.text, u"A\u00E4" + std::u16string(length - 2, u'A'));
+    EXPECT_EQ(std::u16string(text.text), u"A\u00E4" + std::u16string(length - 2, u'A'));
   }
   EXPECT_EQ(in->Ask(ElemNone), FilterEndOfElements);
   EXPECT_EQ(in->Ask(ElemNone), FilterNotOpen);
