@@ -1,6 +1,6 @@
-# The encoding folder of the fonts, fonts/etc/encoding beside the module, after a build and after an install. Its files
-# are made from Debian's poppler-data. A machine without that package builds all the same: the folder is empty then, and
-# text in predefined CJK encodings is not told apart.
+# The encoding folder of the fonts, fonts/etc/encoding beside the module. Its files are made from Debian's poppler-data. A
+# machine without that package builds all the same: the folder is empty then, and text in predefined CJK encodings is not
+# told apart.
 find_path(KAPDF_CMAPS Adobe-Japan1/Adobe-Japan1-UCS2 PATHS /usr/share/poppler/cMap NO_DEFAULT_PATH
           NO_CMAKE_FIND_ROOT_PATH DOC "Folder of the CMap files of poppler-data")
 set(cmaps)
@@ -24,5 +24,3 @@ add_custom_command(
   COMMENT "Filling the encoding folder"
   VERBATIM)
 add_custom_target(kapdf_encoding_folder ALL DEPENDS ${stamp})
-
-install(DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/fonts DESTINATION bin)

@@ -1,0 +1,30 @@
+# Installs the build, moves the folder and uses it from there: cmake -DBUILD= -DFOLDER= -DRUN= -DSAMPLE= -P installed.cmake
+#   RUN  what runs the program, if it needs that
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE text ERROR_VARIABLE text)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${ARGN}: ${result}\n${text}")
+  endif()
+endfunction()
+
+file(REMOVE_RECURSE ${FOLDER})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${FOLDER}/first)
+file(RENAME ${FOLDER}/first ${FOLDER}/second)
+set(program ${FOLDER}/second/bin/kapdf${SUFFIX})
+run(${RUN} ${program} export ${SAMPLE} -o ${FOLDER}/plan.pdf)
+run(${RUN} ${program} info ${FOLDER}/plan.pdf)
+
+# A host's build finds header, module and folder.
+file(WRITE ${FOLDER}/host/CMakeLists.txt [[
+cmake_minimum_required(VERSION 3.24)
+project(host LANGUAGES NONE)
+find_package(kaPDF 2 REQUIRED)
+get_target_property(headers kaPDF::headers INTERFACE_INCLUDE_DIRECTORIES)
+get_target_property(module kaPDF::module IMPORTED_LOCATION)
+foreach(file ${headers}/kapdf/kapdf.h ${module} ${kaPDF_FONTS_DIR}/etc/encoding)
+  if(NOT EXISTS ${file})
+    message(FATAL_ERROR "${file} is missing")
+  endif()
+endforeach()
+]])
+run(${CMAKE_COMMAND} -S ${FOLDER}/host -B ${FOLDER}/host/build -DCMAKE_PREFIX_PATH=${FOLDER}/second)
