@@ -1,18 +1,20 @@
 # Installs the build, moves the folder and uses it from there: cmake -DBUILD= -DFOLDER= -DRUN= -DSAMPLE= -P installed.cmake
 #   RUN  what runs the program, if it needs that
 function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE text ERROR_VARIABLE text)
+  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${FOLDER} RESULT_VARIABLE result OUTPUT_VARIABLE text ERROR_VARIABLE text)
   if(NOT result EQUAL 0)
     message(FATAL_ERROR "${ARGN}: ${result}\n${text}")
   endif()
 endfunction()
 
 file(REMOVE_RECURSE ${FOLDER})
+file(MAKE_DIRECTORY ${FOLDER})
+file(COPY_FILE ${SAMPLE} ${FOLDER}/plan.jsonl)
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${FOLDER}/first)
 file(RENAME ${FOLDER}/first ${FOLDER}/second)
-set(program ${FOLDER}/second/bin/kapdf${SUFFIX})
-run(${RUN} ${program} export ${SAMPLE} -o ${FOLDER}/plan.pdf)
-run(${RUN} ${program} info ${FOLDER}/plan.pdf)
+set(program second/bin/kapdf${SUFFIX})
+run(${RUN} ${program} export plan.jsonl -o plan.pdf)
+run(${RUN} ${program} info plan.pdf)
 
 # A host's build finds header, module and folder.
 file(WRITE ${FOLDER}/host/CMakeLists.txt [[
