@@ -73,6 +73,7 @@ std::vector<CLI::App *> Declare(CLI::App &app, CommandLine &line) {
   app.require_subcommand(1);
   app.footer(kFooter);
   app.get_formatter()->column_width(30);
+  app.set_version_flag("--version", "kapdf " KAPDF_VERSION, "Tell the program's version and exit");
   app.add_flag_callback(
       "--help-settings", [] { throw CLI::CallForVersion(SettingsHelp(), 0); }, "The names that --set takes, and exit");
 
