@@ -26,11 +26,19 @@ int main(int argc, char **argv) {
     std::fprintf(stderr, "usage: fuzz_seeds FOLDER\n");
     return 2;
   }
+<<<<<<< HEAD
   SeedFolder import(argv[1], "import"), objects(argv[1], "objects"), content(argv[1], "content"),
       exports(argv[1], "export"), codecs(argv[1], "codecs"), images(argv[1], "images"), faxes(argv[1], "ccitt"),
       rasters(argv[1], "raster"), cmaps(argv[1], "cmap"), fonts(argv[1], "font"), subsets(argv[1], "subset"),
       curves(argv[1], "recognition"), bombs(argv[1], "bombs");
+=======
+  SeedFolder import(argv[1], "import"), append(argv[1], "append"), objects(argv[1], "objects"),
+      content(argv[1], "content"), exports(argv[1], "export"), codecs(argv[1], "codecs"), images(argv[1], "images"),
+      faxes(argv[1], "ccitt"), rasters(argv[1], "raster"), cmaps(argv[1], "cmap"), fonts(argv[1], "font"),
+      subsets(argv[1], "subset"), bombs(argv[1], "bombs");
+>>>>>>> 16e92bc (Fuzz pages added to any file)
   AddDocuments(import);
+  AddDocuments(append);
   AddObjects(objects);
   AddContents(content);
   AddDrawings(exports);
