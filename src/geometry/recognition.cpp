@@ -225,23 +225,19 @@ RecognizedCurve RecognizeEllipse(std::span<const double> points, CurveFit &fit, 
 
 }  // namespace
 
-// Corners are mostly found near the start; where there is none, the other rules may spare looking at the rest.
 RecognizedCurve RecognizeCurve(std::span<const double> points, double tolerance) {
-  if (points.size() <= kLeastValues || !IsSmooth(points.first(kLeastValues))) return {};
+  if (points.size() <= kLeastValues || !IsSmooth(points)) return {};
   CurveFit fit;
   fit.AddPoints(points);
   if (!fit.WithinBounds()) return {};
   const bool closed = points[0] == points[points.size() - 2] && points[1] == points[points.size() - 1];
-  RecognizedCurve curve;
   if (fit.SolveCircle(false) && FitsCircle(points, fit, tolerance) &&
       IsAsLong(points, fit.radius() * (std::numbers::pi / 18))) {
-    curve = CurveOf(fit, closed);
+    RecognizedCurve curve = CurveOf(fit, closed);
     if (!closed) RunThroughMiddle(points, curve);
-  } else {
-    curve = RecognizeEllipse(points, fit, tolerance, closed);
+    return curve;
   }
-  if (curve.kind != RecognizedCurve::Kind::kNone && !IsSmooth(points)) return {};
-  return curve;
+  return RecognizeEllipse(points, fit, tolerance, closed);
 }
 
 }  // namespace kapdf
