@@ -45,6 +45,10 @@ TEST(PdfA, ThePacketStandsTwice) {
   EXPECT_EQ(file.substr(second + head.size(), 20), std::string("\n\rendstream\rendobj\r\0", 20));
   test::OpenedPdf opened(file);
   EXPECT_EQ(opened.file.objects().Resolve(3), second);
+  for (int32_t number = 1; number <= opened.file.xrefTable().HighestObject(); ++number) {
+    const std::string object = file.substr(opened.file.objects().Resolve(number), 12);
+    EXPECT_TRUE(object.starts_with(std::to_string(number) + " 0 obj")) << number << " at " << object;
+  }
 }
 
 // The seven texts in their order; the sum stands for all that lies between, blanks and tabs included.
