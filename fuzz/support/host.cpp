@@ -95,7 +95,10 @@ void LookAtLayer(const ElementRecord &record) {
 void LookAt(const ElementRecord &record) {
   RequireText(record.layerName, 256);
   RequireText(record.styleName, 256);
-  for (size_t i = 0; i < record.payloadBytes; ++i) seen = seen + static_cast<const uint8_t *>(record.payload)[i];
+  size_t bytes = record.payloadBytes;
+  if (record.kind == ElemFontDef && (bytes & KAPDF_FONT_MAPPED))
+    bytes = (bytes & ~size_t{KAPDF_FONT_MAPPED}) + KAPDF_FONT_MAPPING_BYTES;
+  for (size_t i = 0; i < bytes; ++i) seen = seen + static_cast<const uint8_t *>(record.payload)[i];
   switch (record.kind) {
     case ElemLayerDef:
       LookAtLayer(record);

@@ -259,7 +259,12 @@ typedef struct LineTypeDefPayload {
   uint8_t reserved972[8];
 } LineTypeDefPayload;
 
-/* A font program, when passed, follows these 64 bytes in the record's payload. */
+/* A font program, when passed, follows these 64 bytes in the record's payload, whose `payloadBytes` counts both. With
+ * KAPDF_FONT_MAPPED in `payloadBytes` (which is to be taken out of the count) KAPDF_FONT_MAPPING_BYTES more follow: the
+ * glyph of each UTF-16 unit, 16 bits each. */
+#define KAPDF_FONT_MAPPED 0x80000000u
+#define KAPDF_FONT_MAPPING_BYTES 131072
+
 typedef struct FontDefPayload {
   char16_t *styleName;
   char16_t *faceName;

@@ -300,8 +300,15 @@ class RecordBuilder {
     WriteAt(payload.data(), offsetof(FontDefPayload, charsetAndCodePage), code | static_cast<uint32_t>(codePage) << 16);
     const JsonValue *program = line_.Find("program");
     if (program == nullptr) return true;
-    const auto bytes = program->type == Type::kText ? FromBase64(program->text) : std::nullopt;
+    auto bytes = program->type == Type::kText ? FromBase64(program->text) : std::nullopt;
     if (!bytes) return Wants("program", "base64");
+    record_.payloadBytes += static_cast<uint32_t>(bytes->size());
+    if (const JsonValue *mapping = line_.Find("mapping"); mapping != nullptr) {
+      const auto glyphs = mapping->type == Type::kText ? FromBase64(mapping->text) : std::nullopt;
+      if (!glyphs || glyphs->size() != KAPDF_FONT_MAPPING_BYTES) return Wants("mapping", "131072 bytes as base64");
+      bytes->insert(bytes->end(), glyphs->begin(), glyphs->end());
+      record_.payloadBytes |= KAPDF_FONT_MAPPED;
+    }
     return InsertProgram(payload, *bytes);
   }
   // The program stands straight behind the structure, so the texts attached so far are attached anew behind it.
@@ -309,7 +316,6 @@ class RecordBuilder {
     PayloadBuilder whole(sizeof(FontDefPayload) + bytes.size());
     std::memcpy(whole.data(), payload.data(), sizeof(FontDefPayload));
     std::copy(bytes.begin(), bytes.end(), static_cast<uint8_t *>(whole.data()) + sizeof(FontDefPayload));
-    record_.payloadBytes += static_cast<uint32_t>(bytes.size());
     for (const Field &field : kind_->fields) {
       if (field.type == FieldType::kText && !ReadField(field, whole)) return false;
     }

@@ -180,10 +180,13 @@ void WriteFontRest(LineWriter &line, const ElementRecord &record, const FontDefP
     line.Key("codePage");
     line.Signed(codePage);
   }
-  if (record.payloadBytes > sizeof(FontDefPayload)) {
-    const auto *program = static_cast<const uint8_t *>(record.payload) + sizeof(FontDefPayload);
-    WriteBytes(line, "program", {program, record.payloadBytes - sizeof(FontDefPayload)});
-  }
+  const bool mapped = (record.payloadBytes & KAPDF_FONT_MAPPED) != 0;
+  const size_t bytes = record.payloadBytes & ~KAPDF_FONT_MAPPED;
+  if (bytes <= sizeof(FontDefPayload)) return;
+  const auto *program = static_cast<const uint8_t *>(record.payload) + sizeof(FontDefPayload);
+  const size_t size = bytes - sizeof(FontDefPayload);
+  WriteBytes(line, "program", {program, size});
+  if (mapped) WriteBytes(line, "mapping", {program + size, KAPDF_FONT_MAPPING_BYTES});
 }
 
 // What the table of fields does not tell.
