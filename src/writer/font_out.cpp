@@ -17,41 +17,52 @@ constexpr uint32_t kNoCharacter = 65535;  // ends every walk over characters
 
 }  // namespace
 
-FontOut::FontOut(std::string name, std::u16string_view faceName, uint32_t style, uint32_t codePage)
-    : name_(std::move(name)), faceName_(faceName), style_(style), codePage_(codePage) {}
+const FontFace &FaceTable::Face(const std::u16string &name, uint32_t style) {
+  const bool bold = (style & kBold) != 0, italic = (style & kItalic) != 0;
+  const std::pair key(name, style & (kBold | kItalic));
+  if (const auto found = faces_.find(key); found != faces_.end()) return found->second;
+  FontFace face;
+  face.name = name;
+  face.font = platform::SystemFont::Open({name, kEm, bold, italic});
+  int32_t capHeight = kUsualCapHeight;
+  if (face.font) {
+    face.metrics = face.font->Metrics();
+    face.name = face.font->FaceName();
+    platform::GlyphBox box;
+    if (face.font->Box(u'A', box) && box.height > 0) capHeight = box.height;
+    if (face.font->Box(u'|', box)) face.stemV = box.width;
+    face.glyphs = GlyphsOfCmap(face.font->Table("cmap").span());
+  } else {
+    face.metrics.height = kEm;
+  }
+  face.sizeFactor = static_cast<double>(face.metrics.height - face.metrics.internalLeading) / capHeight;
+  while (face.glyphs && face.firstChar < kNoCharacter && (*face.glyphs)[face.firstChar] == 0) ++face.firstChar;
+  return faces_.emplace(key, std::move(face)).first->second;
+}
+
+FontOut::FontOut(FaceTable &faces, std::string name, std::u16string_view faceName, uint32_t style, uint32_t codePage)
+    : faces_(&faces), name_(std::move(name)), faceName_(faceName), style_(style), codePage_(codePage) {}
 
 void FontOut::MarkGlyphs(std::u16string_view text) {
-  if (!opened_) Open();
-  for (const char16_t code : text) glyphUse_.set(code);
+  if (!used()) Open();
+  for (const char16_t code : text) glyphUse_->set(code);
 }
 
 void FontOut::Open() {
-  opened_ = true;
-  font_ = platform::SystemFont::Open({faceName_, kEm, (style_ & kBold) != 0, (style_ & kItalic) != 0});
-  int32_t capHeight = kUsualCapHeight;
-  if (font_) {
-    metrics_ = font_->Metrics();
-    faceName_ = font_->FaceName();
-    platform::GlyphBox box;
-    if (font_->Box(u'A', box) && box.height > 0) capHeight = box.height;
-    if (font_->Box(u'|', box)) stemV_ = box.width;
-    glyphs_ = GlyphsOfCmap(font_->Table("cmap").span());
-  } else {
-    metrics_.height = kEm;
-  }
-  sizeFactor_ = static_cast<double>(metrics_.height - metrics_.internalLeading) / capHeight;
-  baseFontName_ = NarrowText(faceName_, kFaceNameBytes);
-  while (glyphs_ && firstChar_ < kNoCharacter && (*glyphs_)[firstChar_] == 0) ++firstChar_;
+  glyphUse_ = std::make_unique<CodeSet>();
+  const FontFace &face = faces_->Face(faceName_, style_);
+  baseFontName_ = NarrowText(face.name, kFaceNameBytes);
+  face_ = &face;
 }
 
 std::vector<int32_t> FontOut::Widths() const {
   std::vector<int32_t> widths;
-  for (uint32_t code = firstChar_; code < kNoCharacter; ++code) {
-    if (!glyphUse_[code]) continue;
+  for (uint32_t code = firstChar(); code < kNoCharacter; ++code) {
+    if (!glyphUse()[code]) continue;
     uint32_t last = code;
-    while (last + 1 < kNoCharacter && glyphUse_[last + 1]) ++last;
-    if (font_) {
-      const auto run = font_->Advances(static_cast<char16_t>(code), static_cast<char16_t>(last));
+    while (last + 1 < kNoCharacter && glyphUse()[last + 1]) ++last;
+    if (face_->font) {
+      const auto run = face_->font->Advances(static_cast<char16_t>(code), static_cast<char16_t>(last));
       widths.insert(widths.end(), run.begin(), run.end());
     } else {
       widths.resize(widths.size() + last - code + 1, kEm / 2);
@@ -72,11 +83,11 @@ bool FontOut::IsTemporary() const {
 
 FontOut::Program FontOut::MakeProgram() {
   const std::string prefix = NextSubsetPrefix();
-  if (!font_ || !glyphs_) return {};
-  const ByteBuffer file = font_->Table({});
+  if (!face_->font || !face_->glyphs) return {};
+  const ByteBuffer file = face_->font->Table({});
   if (const auto compact = CffProgram(file.span()); !compact.empty())
     return {Deflated(compact), file.size(), Program::Outlines::kCompact};
-  const FontSubset subset = MakeTrueTypeSubset(file.span(), *glyphs_, glyphUse_, prefix);
+  const FontSubset subset = MakeTrueTypeSubset(file.span(), *face_->glyphs, glyphUse(), prefix);
   if (subset.kind == FontSubset::Kind::kNotEmbeddable) return {};
   Program program{Deflated(subset.bytes.span()), file.size(), Program::Outlines::kTrueType};
   if (subset.kind == FontSubset::Kind::kSubset && !program.deflated.empty()) baseFontName_.insert(0, prefix);
@@ -86,7 +97,7 @@ FontOut::Program FontOut::MakeProgram() {
 // A code page below zero is none.
 void FontTable::DefineFont(const FontDefPayload &definition, uint32_t defaultCodePage) {
   const auto codePage = static_cast<int16_t>(definition.charsetAndCodePage >> 16);
-  FontOut &font = fonts_.emplace_back("TT" + std::to_string(fonts_.size()), NameText(definition.faceName),
+  FontOut &font = fonts_.emplace_back(faces_, "TT" + std::to_string(fonts_.size()), NameText(definition.faceName),
                                       definition.charsetAndCodePage & 0xFFFF,
                                       codePage < 0 ? defaultCodePage : static_cast<uint32_t>(codePage));
   byName_.Add(NameText(definition.styleName), &font);

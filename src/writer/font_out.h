@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,33 +16,53 @@
 
 namespace kapdf {
 
-// A font of the system with the characters that the document's text takes from it. Text is written in the font's own
-// glyph numbers, and everything is measured in thousandths of the em.
-class FontOut {
+// A face of the system, as far as every font made of it is the same. Measured in thousandths of the em.
+struct FontFace {
+  std::unique_ptr<platform::SystemFont> font;  // null where the system has none at all
+  std::unique_ptr<CodeTable> glyphs;           // null for a font without a table of characters
+  std::u16string name;                         // as the system spells it; as asked for without a font
+  uint32_t firstChar = 0;                      // that has a glyph
+  double sizeFactor = 1;                       // em per height of a capital letter
+  platform::FontMetrics metrics;
+  int32_t stemV = 0;
+};
+
+// The faces in use. Text styles are many, their faces few, and an open one takes handles and memory.
+class FaceTable {
  public:
   // Style bits of a definition.
   static constexpr uint32_t kBold = 1, kItalic = 2;
 
+  const FontFace &Face(const std::u16string &name, uint32_t style);
+
+ private:
+  std::map<std::pair<std::u16string, uint32_t>, FontFace> faces_;
+};
+
+// A font of the system with the characters that the document's text takes from it. Text is written in the font's own
+// glyph numbers, and everything is measured in thousandths of the em.
+class FontOut {
+ public:
   // `name` is that of the resource. The face is not looked for before the first text.
-  FontOut(std::string name, std::u16string_view faceName, uint32_t style, uint32_t codePage);
+  FontOut(FaceTable &faces, std::string name, std::u16string_view faceName, uint32_t style, uint32_t codePage);
 
   const std::string &name() const { return name_; }
   uint32_t codePage() const { return codePage_; }
-  bool used() const { return opened_; }
+  bool used() const { return face_ != nullptr; }
   int32_t objectNumber = 0;  // from the resources on
 
   // Takes the characters into use. What is told below is asked for after the first of these calls.
   void MarkGlyphs(std::u16string_view text);
   // 0 for a character that the font does not have. Where the system has no font at all, the character itself.
-  uint16_t GlyphOf(char16_t code) const { return glyphs_ ? (*glyphs_)[code] : hasFont() ? 0 : code; }
+  uint16_t GlyphOf(char16_t code) const { return face_->glyphs ? (*face_->glyphs)[code] : face_->font ? 0 : code; }
   // Characters in use, and the first one that any text could show.
-  const CodeSet &glyphUse() const { return glyphUse_; }
-  uint32_t firstChar() const { return firstChar_; }
+  const CodeSet &glyphUse() const { return *glyphUse_; }
+  uint32_t firstChar() const { return face_->firstChar; }
 
   // Em per height of a capital letter; a text's height is that of its capitals.
-  double sizeFactor() const { return sizeFactor_; }
-  const platform::FontMetrics &metrics() const { return metrics_; }
-  int32_t stemV() const { return stemV_; }
+  double sizeFactor() const { return face_->sizeFactor; }
+  const platform::FontMetrics &metrics() const { return face_->metrics; }
+  int32_t stemV() const { return face_->stemV; }
   // Advance widths of the characters in use from `firstChar` on, in their order.
   std::vector<int32_t> Widths() const;
 
@@ -61,22 +82,16 @@ class FontOut {
   Program MakeProgram();
 
  private:
-  bool hasFont() const { return font_ != nullptr; }
   void Open();
 
+  FaceTable *faces_;
   std::string name_;
   std::u16string faceName_;
   uint32_t style_;
   uint32_t codePage_;
 
-  bool opened_ = false;
-  std::unique_ptr<platform::SystemFont> font_;
-  std::unique_ptr<CodeTable> glyphs_;
-  CodeSet glyphUse_;
-  uint32_t firstChar_ = 0;
-  double sizeFactor_ = 1;
-  platform::FontMetrics metrics_;
-  int32_t stemV_ = 0;
+  const FontFace *face_ = nullptr;  // of the table, once text uses it
+  std::unique_ptr<CodeSet> glyphUse_;
   std::string baseFontName_;
 };
 
@@ -90,6 +105,7 @@ class FontTable {
   std::deque<FontOut> &all() { return fonts_; }
 
  private:
+  FaceTable faces_;
   std::deque<FontOut> fonts_;
   FirstNameMap<FontOut *> byName_;
   std::u16string lastName_;
