@@ -59,7 +59,9 @@ class SystemFont {
   virtual bool Box(char16_t character, GlyphBox &box) = 0;
   // Advance widths of the characters from first to last, in pixels; of the font's replacement where it has no glyph.
   virtual std::vector<int32_t> Advances(char16_t first, char16_t last) = 0;
-  // A table of the font by its tag ("cmap"), or with an empty tag a file of this one font. Empty when there is none.
+  // A table of the font by its tag ("cmap"), or with an empty tag a file of this one font. Empty when there is none, as
+  // for an instance of a variable font whose outlines are not those of the file, and for more than
+  // limits::kFontProgram bytes.
   virtual ByteBuffer Table(std::string_view tag) = 0;
 };
 

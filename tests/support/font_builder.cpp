@@ -33,7 +33,8 @@ std::string CharacterMap(std::u16string_view characters) {
 std::string Names(const std::string &family) {
   std::string records, strings;
   size_t count = 0;
-  for (const auto &[id, text] : {std::pair<size_t, std::string>(1, family), {2, "Regular"}, {4, family}, {6, family}}) {
+  for (const auto &[id, text] :
+       {std::pair<size_t, std::string>(1, family), {2, "Regular"}, {4, family}, {5, "Bold"}, {6, family}}) {
     records += Words({3, 1, 1033, id, 2 * text.size(), strings.size()});
     for (const char c : text) strings += Words({static_cast<size_t>(c)});
     ++count;
@@ -53,7 +54,7 @@ std::string Sfnt(const std::vector<std::pair<std::string, std::string>> &tables,
   return directory + data;
 }
 
-std::string BuildFont(const std::string &family, std::u16string_view characters, size_t base) {
+std::string BuildFont(const std::string &family, std::u16string_view characters, size_t base, bool varies) {
   const std::string square =
       Words({1, 50, 0, 550, 700, 3, 0, 0x0101, 0x0101, 50, 0, 500, 0, 0, 700, Minus(500), 0}) + Words({0, 0});
   const size_t glyphs = characters.size() + 1;
@@ -68,18 +69,24 @@ std::string BuildFont(const std::string &family, std::u16string_view characters,
       Words({4, 512, 400, 5}) + std::string(24, '\0') + std::string("\2\2", 2) + std::string(8, '\0') +
       Words({0, 1, 0, 0, 0, 0, 0, 0}) + "KAPD" +
       Words({64, characters.front(), characters.back(), 700, Minus(200), 50, 900, 200, 0, 1, 0, 0, 500, 700, 0, 32, 1});
-  return Sfnt({{"OS/2", os2},
-               {"cmap", CharacterMap(characters)},
-               {"glyf", glyf},
-               {"head", Words({1, 0, 1, 0, 0, 0, 0x5F0F, 0x3CF5, 3, 1000, 0, 0, 0, 0,
-                               0, 0, 0, 0, 0, 0, 550,    700,    0, 8,    2, 0, 0})},
-               {"hhea", Words({1, 0, 900, Minus(200), 50, 600 + glyphs, 0, 0, 550, 1, 0, 0, 0, 0, 0, 0, 0, glyphs})},
-               {"hmtx", hmtx},
-               {"loca", loca},
-               {"maxp", Words({1, 0, glyphs, 4, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0})},
-               {"name", Names(family)},
-               {"post", Words({3, 0, 0, 0, Minus(100), 50}) + std::string(20, '\0')}},
-              base);
+  std::vector<std::pair<std::string, std::string>> tables = {
+      {"OS/2", os2},
+      {"cmap", CharacterMap(characters)},
+      {"glyf", glyf},
+      {"head",
+       Words({1, 0, 1, 0, 0, 0, 0x5F0F, 0x3CF5, 3, 1000, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 550, 700, 0, 8, 2, 0, 0})},
+      {"hhea", Words({1, 0, 900, Minus(200), 50, 600 + glyphs, 0, 0, 550, 1, 0, 0, 0, 0, 0, 0, 0, glyphs})},
+      {"hmtx", hmtx},
+      {"loca", loca},
+      {"maxp", Words({1, 0, glyphs, 4, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0})},
+      {"name", Names(family)},
+      {"post", Words({3, 0, 0, 0, Minus(100), 50}) + std::string(20, '\0')}};
+  if (varies) {
+    tables.emplace_back("fvar", Words({1, 0, 16, 2, 1, 20, 1, 8}) + "wght" + Words({400, 0, 400, 0, 700, 0, 0, 2}) +
+                                    Words({5, 0, 700, 0}));
+    tables.emplace_back("gvar", Words({1, 0, 1, 0, 0, 0, glyphs, 0, 0, 0}) + std::string(2 * glyphs + 2, '\0'));
+  }
+  return Sfnt(tables, base);
 }
 
 }  // namespace kapdf::test

@@ -17,11 +17,12 @@ using test::InstallFont;
 // Glyphs 1 to 22.
 constexpr std::u16string_view kCharacters = u" ABCDEFabcdef|\u03B1\u03B2\u0416\u0429\u1EBF\u1EC7\u6C38\u6F22";
 
-// One font in a file of its own, and one, the second, in a collection.
+// A font in a file of its own, one that varies, and one, the second, in a collection.
 class MadeFonts : public testing::Environment {
  public:
   void SetUp() override {
     InstallFont("made.ttf", BuildFont("KapdfMade", kCharacters));
+    InstallFont("varies.ttf", BuildFont("KapdfVaries", kCharacters, 0, true));
     const std::string head = "ttcf\0\1\0\0\0\0\0\2\0\0\0\x14"s;
     const std::string first = BuildFont("KapdfFirst", kCharacters, 20);
     const size_t at = head.size() + 4 + first.size();
@@ -62,11 +63,12 @@ TEST(Fonts, ObjectsOfTextInUse) {
   Sheet sheet(workspace);
   sheet.Start().Layer(u"A");
   DefineFont(sheet, u"unused", u"KapdfMade");
-  DefineFont(sheet, u"notes", u"KapdfMade");
-  DefineFont(sheet, u"notes", u"the first of a name counts");
-  Write(sheet, u"notes", u"AB? \u6F22");
-  Write(sheet, u"notes", u"A", 1, 2, std::numbers::pi / 6, 0.5);
-  Write(sheet, u"notes", u"");
+  const std::u16string notes(300, u'n');  // longer than a record's field
+  DefineFont(sheet, notes, u"KapdfMade");
+  DefineFont(sheet, notes, u"the first of a name counts");
+  Write(sheet, notes, u"AB? \u6F22");
+  Write(sheet, notes, u"A", 1, 2, std::numbers::pi / 6, 0.5);
+  Write(sheet, notes, u"");
   Write(sheet, u"nobody's", u"A");
   const std::string file = sheet.Finish();
   EXPECT_EQ(Between(ContentOf(file), "BDC\n", "EMC"),
@@ -134,6 +136,15 @@ TEST(Fonts, CompactProgramsWithGlyphNumbersGoAlong) {
   EXPECT_EQ(carried(openType(collected)), 0u);
   EXPECT_EQ(carried(test::Sfnt({{"CFF ", plain}})), 0u);
   for (size_t i = 0; i < plain.size(); ++i) EXPECT_EQ(carried(openType(plain.substr(0, i))), 0u) << i;
+}
+
+// The outlines in the file are those of the ordinary weight.
+TEST(Fonts, OtherInstancesOfAVariableFontStayAtHome) {
+  for (const bool bold : {false, true}) {
+    const auto font = platform::SystemFont::Open({.family = u"KapdfVaries", .bold = bold});
+    ASSERT_TRUE(font && font->FaceName() == u"KapdfVaries");
+    EXPECT_EQ(font->Table("").empty(), bold);
+  }
 }
 
 TEST(Fonts, ReadersSeeTheText) {

@@ -85,12 +85,14 @@ const FontFace *FindSubstitute(std::u16string_view family, bool bold, bool itali
   FcConfigSubstitute(Config(), wanted.get(), FcMatchPattern);
   FcDefaultSubstitute(wanted.get());
   FcResult result;
-  const Owned<FcPattern> match(FcFontMatch(Config(), wanted.get(), &result));
-  if (!match) return nullptr;
-  const std::string file = Text(match.get(), FC_FILE);
-  const int index = Number(match.get(), FC_INDEX, 0);
-  for (const FontFace &face : FontFaces())
-    if (face.file == file && face.index == index) return &face;
+  // The first one may be of a kind that is not in the list.
+  const Owned<FcFontSet> nearest(FcFontSort(Config(), wanted.get(), FcFalse, nullptr, &result));
+  for (int i = 0; nearest && i < nearest->nfont; ++i) {
+    const std::string file = Text(nearest->fonts[i], FC_FILE);
+    const int index = Number(nearest->fonts[i], FC_INDEX, 0);
+    for (const FontFace &face : FontFaces())
+      if (face.trueType && face.file == file && face.index == index) return &face;
+  }
   return FontFaces().empty() ? nullptr : &FontFaces().front();
 }
 

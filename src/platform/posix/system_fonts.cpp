@@ -12,6 +12,7 @@
 #include <map>
 
 #include "base/bytes.h"
+#include "base/limits.h"
 #include "platform/font_file.h"
 #include "platform/posix/font_list.h"
 #include "platform/text.h"
@@ -38,6 +39,7 @@ class FreeTypeFont final : public SystemFont {
     if (!FT_IS_SCALABLE(face_) || face_->units_per_EM == 0) return false;
     emPixels_ = emPixels;
     faceName_ = face.family;
+    instance_ = face.index >> 16 != 0;
     symbols_ = FT_Select_Charmap(face_, FT_ENCODING_MS_SYMBOL) == 0;
     if (!symbols_) FT_Select_Charmap(face_, FT_ENCODING_UNICODE);
     return true;
@@ -71,6 +73,7 @@ class FreeTypeFont final : public SystemFont {
   std::u16string faceName_;
   int64_t emPixels_ = 0;
   bool symbols_ = false;
+  bool instance_ = false;  // of a variable font, other than the one whose outlines stand in the file
 };
 
 // As GDI makes them of the tables `OS/2`, `hhea`, `post` and `head`.
@@ -150,7 +153,7 @@ std::vector<int32_t> FreeTypeFont::Advances(char16_t first, char16_t last) {
 ByteBuffer FreeTypeFont::LoadTable(FT_ULong tag) const {
   ByteBuffer table;
   FT_ULong size = 0;
-  if (FT_Load_Sfnt_Table(face_, tag, 0, nullptr, &size) != 0 || size == 0) return table;
+  if (FT_Load_Sfnt_Table(face_, tag, 0, nullptr, &size) != 0 || size == 0 || size > limits::kFontProgram) return table;
   table.Resize(size);
   if (FT_Load_Sfnt_Table(face_, tag, 0, table.data(), &size) != 0) table.Clear();
   return table;
@@ -168,6 +171,7 @@ ByteBuffer FreeTypeFont::SingleFontFile() const {
 }
 
 ByteBuffer FreeTypeFont::Table(std::string_view tag) {
+  if (tag.empty() && instance_) return {};
   if (tag.empty()) return face_->num_faces > 1 ? SingleFontFile() : LoadTable(0);
   FT_ULong number = 0;
   for (size_t i = 0; i < 4; ++i) number = number << 8 | static_cast<uint8_t>(i < tag.size() ? tag[i] : ' ');

@@ -7,6 +7,7 @@
 #include <map>
 
 #include "base/bytes.h"
+#include "base/limits.h"
 #include "platform/font_file.h"
 #include "platform/font_name_table.h"
 #include "platform/win32/wide.h"
@@ -27,8 +28,8 @@ class Canvas {
   Canvas &operator=(const Canvas &) = delete;
 
   bool Select(HFONT font) {
-    if (!context_ || !font) return false;
-    HGDIOBJ before = SelectObject(context_, font);
+    if (!font) return false;
+    HGDIOBJ before = context_ ? SelectObject(context_, font) : nullptr;
     if (!before) {
       DeleteObject(font);
       return false;
@@ -80,7 +81,7 @@ DWORD TagNumber(std::string_view tag) {
 ByteBuffer FontData(HDC context, DWORD tag) {
   ByteBuffer data;
   const DWORD size = GetFontData(context, tag, 0, nullptr, 0);
-  if (size == GDI_ERROR || size == 0) return data;
+  if (size == GDI_ERROR || size == 0 || size > limits::kFontProgram) return data;
   data.Resize(size);
   if (GetFontData(context, tag, 0, data.data(), size) != size) data.Clear();
   return data;
@@ -106,7 +107,8 @@ class GdiFont final : public SystemFont {
  public:
   bool Select(const Request &request) {
     return canvas_.Select(CreateFontW(-request.emPixels, 0, 0, 0, request.bold ? FW_BOLD : FW_NORMAL, request.italic, 0,
-                                      0, DEFAULT_CHARSET, 0, 0, 0, 0, Wide(request.family).c_str()));
+                                      0, DEFAULT_CHARSET, 0, 0, 0, 0,
+                                      Wide(request.family.substr(0, LF_FACESIZE - 1)).c_str()));
   }
 
   std::u16string FaceName() override {
@@ -155,19 +157,33 @@ class GdiFont final : public SystemFont {
     if (last < first) return {};
     std::vector<ABC> parts(static_cast<size_t>(last - first) + 1);
     std::vector<int32_t> advances(parts.size());
-    if (!GetCharABCWidthsW(canvas_.context(), first, last, parts.data())) return advances;
+    if (!GetCharABCWidthsW(canvas_.context(), first, last, parts.data())) {  // a font of bitmaps
+      if (!GetCharWidth32W(canvas_.context(), first, last, advances.data())) advances.assign(advances.size(), 0);
+      return advances;
+    }
     for (size_t i = 0; i < parts.size(); ++i)
       advances[i] = parts[i].abcA + static_cast<int32_t>(parts[i].abcB) + parts[i].abcC;
     return advances;
   }
 
   ByteBuffer Table(std::string_view tag) override {
+    if (tag.empty() && IsOtherInstance()) return {};
     const bool collected = GetFontData(canvas_.context(), TagNumber("ttcf"), 0, nullptr, 0) != GDI_ERROR;
     if (tag.empty() && collected) return FileOfCollectedFont(canvas_.context());
     return FontData(canvas_.context(), TagNumber(tag));
   }
 
  private:
+  // Of a variable font, told by a weight that is not the one whose outlines stand in the file.
+  bool IsOtherInstance() const {
+    constexpr size_t kWeightAt = 4;
+    if (FontData(canvas_.context(), TagNumber("fvar")).empty()) return false;
+    const ByteBuffer os2 = FontData(canvas_.context(), TagNumber("OS/2"));
+    TEXTMETRICW text;
+    return os2.size() < kWeightAt + 2 || !GetTextMetricsW(canvas_.context(), &text) ||
+           text.tmWeight != static_cast<LONG>(LoadBigEndian(os2.data() + kWeightAt, 2));
+  }
+
   Canvas canvas_;
 };
 
