@@ -253,7 +253,7 @@ Built BuildPost() {
 }
 
 // Family, full and PostScript names get the prefix. Of the other names those for every language and in American English
-// are kept. A name that does not lie in the table, or does not fit the new one, is dropped.
+// are kept. A name that does not lie in the table, or does not fit the new one with its 16-bit offsets, is dropped.
 Built BuildName(Bytes name, std::string_view prefix) {
   constexpr size_t kHeader = 6, kRecord = 12, kReach = 65535;
   constexpr uint32_t kAmerican = 1033, kUserNames = 10;
@@ -268,6 +268,7 @@ Built BuildName(Bytes name, std::string_view prefix) {
     const size_t offset = size_t{Get16(name, 4)} + Get16(name, at + 10);
     const size_t start = strings.size();
     if (offset + length > name.size() || start + 2 * prefix.size() + length > kReach) continue;
+    if (kHeader + records.size() + kRecord > kReach) break;
     if (id == 1 || id == 4 || id == 6) {
       for (const char byte : prefix) {
         if (platform != 1) strings.push_back(0);
