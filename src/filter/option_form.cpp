@@ -157,6 +157,13 @@ void OptionForm::TakeExportOptions(std::u16string_view options) {
   SetValue(FORM_PAPER_FRAME, taken.paperFrame);
 }
 
+// A switch that stays on keeps the number that made it so: some settings go on to the host as they are.
+int32_t OptionForm::WholeToStore(const platform::Settings &key, const Setting &setting, double value) {
+  const auto whole = static_cast<int32_t>(value);
+  const int32_t before = setting.kind == Kind::kSwitch && whole != 0 ? key.ReadInteger(setting.name, whole) : whole;
+  return before != 0 ? before : whole;
+}
+
 void OptionForm::Save() const {
   for (size_t i = 0; i < fields_.size(); ++i) {
     const Setting &setting = settings_[i];
@@ -169,7 +176,7 @@ void OptionForm::Save() const {
       else if (field.kind == Kind::kReal)
         key.WriteReal(setting.name, field.number);
       else
-        key.WriteInteger(setting.name, static_cast<int32_t>(Value(field.control)));
+        key.WriteInteger(setting.name, WholeToStore(key, setting, Value(field.control)));
     }
   }
 }

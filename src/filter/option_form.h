@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/form.h"
+#include "platform/settings.h"
 
 namespace kapdf {
 
@@ -31,6 +32,7 @@ class OptionForm {
   static const Setting kImportSettings[];
   static const Setting kExportSettings[];
 
+  static int32_t WholeToStore(const platform::Settings &key, const Setting &setting, double value);
   size_t IndexOf(uint32_t control) const;
   double Value(uint32_t control) const;
   void SetValue(uint32_t control, double value);

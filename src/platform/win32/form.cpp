@@ -48,6 +48,15 @@ class Form {
 
  private:
   static INT_PTR CALLBACK Handle(HWND dialog, UINT message, WPARAM a, LPARAM b) {
+    try {
+      return Answer(dialog, message, a, b);
+    } catch (...) {  // memory; the system's frames lie above
+      EndDialog(dialog, -1);
+      return TRUE;
+    }
+  }
+
+  static INT_PTR Answer(HWND dialog, UINT message, WPARAM a, LPARAM b) {
     if (message == WM_INITDIALOG) {
       SetWindowLongPtrW(dialog, DWLP_USER, b);
       reinterpret_cast<Form *>(b)->Fill(dialog);
@@ -121,10 +130,11 @@ class Form {
       double number = 0;
       const bool whole = field.kind == Kind::kReal || (ReadNumber(text, number) && number == std::floor(number));
       if (!whole || !ReadNumber(text, number) || number < field.lowest || number > field.highest) {
-        // A field that does not matter now keeps what it had.
-        if (!IsWindowEnabled(edit)) continue;
-        Complain(dialog, edit, field);
-        return false;
+        if (IsWindowEnabled(edit)) {
+          Complain(dialog, edit, field);
+          return false;
+        }
+        number = std::clamp(field.number, field.lowest, field.highest);  // it does not matter now and keeps what it had
       }
       field.number = number;
     }
