@@ -106,6 +106,7 @@ class CPDFFilter final : public CZVFilter {
 
   // A page that the renderer has made a picture of. It outlives Close, until the next document or the end.
   int32_t dither_ = 0;
+  int32_t renderedDepth_ = 0;  // the colour depth that the picture was made with
   std::u16string sourcePath_;  // as the host gave it
   std::string tempPath_;       // of the picture; empty for none
   FilterObject *subFilter_ = nullptr;

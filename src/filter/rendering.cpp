@@ -58,6 +58,7 @@ uint32_t CPDFFilter::OpenRenderedPage(FileInfo &info, ProgressObject *progress, 
                                       FilterContext *context, FilterCreateFunction create) {
   if (info.pageIndex < 0 || info.pageIndex == INT32_MAX) return FilterNotPdf;
   if (!StopRenderer()) return FilterDamaged;
+  renderedDepth_ = importOptions_.colorDepth;
   const PageToRender page{platform::ToNarrowPath(sourcePath_), info.pageIndex + 1, importOptions_.dpi, dither_,
                           importOptions_.extractText != 0};
   {
@@ -88,8 +89,8 @@ bool CPDFFilter::ReadRenderedPage(ElementRecord &record, uint32_t &result) {
   CopyName(record.styleName, sourcePath_);
   if (record.payload) {
     auto header = LoadAs<RasterHeaderPayload>(record.payload);
-    if (importOptions_.colorDepth == 4) header.depthHint = 0;
-    header.pixelType |= DepthMark(importOptions_.colorDepth);
+    if (renderedDepth_ == 4) header.depthHint = 0;
+    header.pixelType |= DepthMark(renderedDepth_);
     StoreAs(record.payload, header);
   }
   return true;

@@ -47,6 +47,7 @@ uint32_t CPDFFilter::OpenWrite(const char16_t *path, FileInfo *info, ProgressObj
   uint32_t result = FilterCannotWrite;
   try {
     Close();
+    DropRenderedPage();  // sections go to a sub-filter as long as there is one
     hostContext_ = progress;
     if (options) optionString_ = options;
     result = StartWriter(path, *info);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -67,10 +68,11 @@ Block PreviewFromFile(const std::string &path, int page, ProgressObject *progres
 // Bytes of the pixels: as the header tells, or for rows without compression from width, height and depth.
 size_t PixelBytes(const uint8_t *header) {
   if (const auto told = LoadAs<uint32_t>(header + kImageSizeAt)) return told;
-  const int64_t width = LoadAs<int32_t>(header + kWidthAt), height = LoadAs<int32_t>(header + kHeightAt);
-  if (width < 1 || width > limits::kImageSide) return 0;
+  const int64_t width = LoadAs<int32_t>(header + kWidthAt);
+  const int64_t height = std::abs(int64_t{LoadAs<int32_t>(header + kHeightAt)});  // below zero: from the top
+  if (width < 1 || width > limits::kImageSide || height > limits::kImageSide) return 0;
   const int64_t row = (width * LoadAs<uint16_t>(header + kBitCountAt) + 31) / 32 * 4;
-  return static_cast<size_t>(row * (height < 0 ? -height : height));
+  return static_cast<size_t>(row * height);
 }
 
 Block PreviewFromMemory(const std::string &path, int page) {

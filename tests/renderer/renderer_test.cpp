@@ -148,6 +148,8 @@ TEST_F(RendererBridge, APageBecomesARasterAndItsText) {
   ASSERT_EQ(in->Open(0, u"/mode 1"), FilterOk);
   EXPECT_EQ(in->Ask(ElemNone), FilterEndOfElements) << "no text was asked for";
   EXPECT_EQ(in->info.pageCount, 3);
+  EXPECT_EQ(in->filter.OpenWrite(u"", &in->info, nullptr, nullptr), FilterCannotWrite);
+  EXPECT_EQ(in->filter.BeginSection(4, 10, 100), FilterOk) << "nor is the sub-filter there any more";
   in.reset();
   EXPECT_EQ(host, "make;" + Temporary("pdf-2.tif there 0/mode 1 /dpi 600 /col 4 /text 1;read 12;read 5;read 0;close;") +
                       "destroy;make;" + Temporary("pdf.tif there 0/mode 1;read 0;close;destroy;"));
