@@ -45,7 +45,7 @@ int RunRaising(int signal) {
 TEST(Leftovers, NoneWhenTheReaderOfTheOutputOrTheTerminalGoesAway) {
   const std::string folder = std::filesystem::absolute("leftovers").string();
   std::filesystem::create_directory(folder);
-  std::ofstream("all.pdf") << "all";
+  std::ofstream("all.pdf") << "{\"kind\":\"composite\"}";
   ASSERT_EQ(setenv("TMPDIR", folder.c_str(), 1), 0);
   EXPECT_EXIT(std::exit(RunRaising(SIGPIPE)), testing::KilledBySignal(SIGPIPE), "");
   EXPECT_TRUE(std::filesystem::is_empty(folder)) << "after SIGPIPE";
