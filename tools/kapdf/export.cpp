@@ -8,6 +8,7 @@
 #include "pdf_output.h"
 #include "picture_rows.h"
 #include "progress.h"
+#include "raster_for_export.h"
 #include "raster_plan.h"
 #include "utf.h"
 
@@ -123,6 +124,9 @@ class DrawingWriter {
     }
     RasterHeaderPayload shape{};
     CopyPayload(element_, shape);
+    // Runs that an import marked as the ground become the ink. Other forms go out as they stand.
+    RasterForExport inks;
+    const bool grounds = !header.file && IsBilevel(shape) && inks.Open(element_);
     const size_t lines = image.rowsEnd - image.header - 1;
     const bool enough = header.file || lines >= (size_t{shape.height} + 1) / 2;
     if (!enough) page_.Refuse(ElemRasterHeader);
@@ -131,7 +135,7 @@ class DrawingWriter {
       return {};
     }
     InitElement(element_);
-    return header.file ? WritePictureRows(picture, shape) : WriteRowLines(image);
+    return header.file ? WritePictureRows(picture, shape) : WriteRowLines(image, grounds ? &inks : nullptr);
   }
 
   Outcome WritePictureRows(PictureRows &picture, const RasterHeaderPayload &shape) {
@@ -144,9 +148,10 @@ class DrawingWriter {
     return {};
   }
 
-  Outcome WriteRowLines(const RasterPlan::Image &image) {
+  Outcome WriteRowLines(const RasterPlan::Image &image, RasterForExport *inks) {
     for (size_t i = image.header + 1; i < image.rowsEnd; ++i) {
       FillElement(drawing_.records[i], drawing_.names, element_);
+      if (inks) inks->Convert(element_);
       page_.WriteRow(element_) ? page_.Count(ElemRasterRows) : page_.Refuse(ElemRasterRows);
       if (InterruptGuard::Requested()) return Interrupted();
     }

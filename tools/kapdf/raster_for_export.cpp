@@ -15,11 +15,13 @@ constexpr uint8_t kWhite = 255;
 
 }  // namespace
 
+bool IsBilevel(const RasterHeaderPayload &header) { return (header.pixelType & kTypeBits) == kBilevel; }
+
 bool RasterForExport::Open(ElementRecord &header) {
   if (!CopyPayload(header, header_)) return false;
   const uint32_t type = header_.pixelType & kTypeBits;
   masked_ = type == kMasked;
-  inverted_ = type == kBilevel && header_.depthHint != 0;
+  inverted_ = IsBilevel(header_) && header_.depthHint != 0;
   if (masked_) header_.pixelType = (header_.pixelType & ~kTypeBits) | kRgb;
   if (inverted_) header_.depthHint = 0;
   if ((type == kGrey || type == kIndexed) && header_.palette != nullptr) {

@@ -7,6 +7,8 @@
 
 namespace kapdf::tool {
 
+bool IsBilevel(const RasterHeaderPayload &header);
+
 // What is transparent becomes white, since the module writes no masks, and the runs of a bilevel raster the ink. One
 // row is kept.
 class RasterForExport {
