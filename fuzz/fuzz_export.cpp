@@ -1,6 +1,7 @@
 // The input is read as a series of a host's calls: records of all kinds in any section with any values. What was
 // written in good order must open again, and what is read from it must hold.
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "support/host.h"
@@ -13,26 +14,29 @@ namespace {
 using fuzz::Input;
 
 constexpr int kCallsPerInput = 2000;
-constexpr uint32_t kKinds[] = {ElemLine,
-                               ElemPolyline,
-                               ElemFilledPolygon,
-                               ElemCircle,
-                               ElemArc,
-                               ElemEllipseArc,
-                               ElemSolid,
-                               ElemPoint,
-                               ElemText,
-                               ElemComposite,
-                               ElemNamedProperty,
-                               ElemNone,
-                               ElemRasterRows,
-                               ElemFontDef,
-                               ElemRasterHeader,
-                               ElemRasterPlacement,
-                               ElemLineTypeDef,
-                               ElemLayerDef,
-                               25,
-                               99};
+
+// What a host sends, and the fields of its payload in their order: r a length, u a small number, c any number, n the
+// name and m the other text (or null), o the other text, s a segment of a line type, . four bytes of zeros.
+constexpr std::pair<uint32_t, std::string_view> kKinds[] = {{ElemLine, "rrrrr"},
+                                                            {ElemPolyline, ""},
+                                                            {ElemFilledPolygon, ""},
+                                                            {ElemCircle, "rrrr"},
+                                                            {ElemArc, "rrrrrr"},
+                                                            {ElemEllipseArc, "rrrrrrrr"},
+                                                            {ElemSolid, "rrrrrrrr"},
+                                                            {ElemPoint, "rrr..u"},
+                                                            {ElemText, "rr......rrruon"},
+                                                            {ElemComposite, ""},
+                                                            {ElemNamedProperty, "nuo"},
+                                                            {ElemNone, ""},
+                                                            {ElemRasterRows, ""},
+                                                            {ElemFontDef, "nm......rrc."},
+                                                            {ElemRasterHeader, ""},
+                                                            {ElemRasterPlacement, ""},
+                                                            {ElemLineTypeDef, "nussssssssssssssss.."},
+                                                            {ElemLayerDef, "nocruu.."},
+                                                            {25, ""},
+                                                            {99, ""}};
 
 // A host's record with everything that it points to.
 struct HostRecord {
@@ -42,22 +46,16 @@ struct HostRecord {
   std::u16string name, other;
   std::vector<uint8_t> payload;
 
-  template <class Payload>
-  void Hold(const Payload &value) {
-    payload.resize(sizeof value);
-    std::memcpy(payload.data(), &value, sizeof value);
+  template <class Value>
+  void Add(const Value &value, size_t zeros = 0) {
+    const size_t at = payload.size();
+    payload.resize(at + sizeof value + zeros);
+    std::memcpy(payload.data() + at, &value, sizeof value);
   }
 };
 
 void TakeReals(HostRecord &host, Input &in, size_t count) {
   for (size_t i = 0; i < count; ++i) host.reals.push_back(in.Real());
-}
-
-// Payloads that are nothing but doubles.
-void TakePlain(HostRecord &host, Input &in, size_t count) {
-  TakeReals(host, in, count);
-  host.payload.resize(count * sizeof(double));
-  std::memcpy(host.payload.data(), host.reals.data(), host.payload.size());
 }
 
 void TakePolyline(HostRecord &host, Input &in) {
@@ -68,7 +66,7 @@ void TakePolyline(HostRecord &host, Input &in) {
   line.curved = in.Below(15) == 15;
   if (line.vertexCount > 0) TakeReals(host, in, static_cast<size_t>(line.vertexCount) * (line.extraPerVertex + 2));
   line.vertices = host.reals.data();
-  host.Hold(line);
+  host.Add(line);
 }
 
 // The table has as many places as it says; what stands in them is anything.
@@ -87,109 +85,17 @@ void TakePolygon(HostRecord &host, Input &in) {
   if (area.vertexCount > 0) TakeReals(host, in, 2 * static_cast<size_t>(area.vertexCount));
   area.vertices = host.reals.data();
   area.contourStarts = host.starts.data();
-  host.Hold(area);
+  host.Add(area);
 }
 
-void TakePoint(HostRecord &host, Input &in) {
-  PointPayload point{};
-  point.size = in.Real();
-  point.x = in.Real();
-  point.y = in.Real();
-  point.pointStyle = in.Below(3);
-  host.Hold(point);
-}
-
-void TakeLayer(HostRecord &host, Input &in) {
-  LayerDefPayload layer{};
-  layer.name = in.Below(15) ? host.name.data() : nullptr;
-  layer.lineType = host.other.data();
-  layer.color = in.Take<uint32_t>();
-  layer.width = in.Real();
-  layer.layerOff = in.Below(1);
-  host.Hold(layer);
-}
-
-void TakeLineType(HostRecord &host, Input &in) {
-  LineTypeDefPayload type{};
-  type.name = in.Below(15) ? host.name.data() : nullptr;
-  type.segmentCount = in.Below(20);
-  for (LineTypeSegment &segment : type.segments) segment.length = in.Real();
-  host.Hold(type);
-}
-
-void TakeProperty(HostRecord &host, Input &in) {
-  if (in.Below(1)) host.name = u"CoordSys";
-  if (in.Below(1)) host.other.assign(2 * KAPDF_COORDSYS_BYTES, u'0' + static_cast<char16_t>(in.Below(10)));
-  host.Hold(NamedPropertyPayload{host.name.data(), in.Below(1) ? 32u : in.Take<uint32_t>(), host.other.data()});
-}
-
-void TakeText(HostRecord &host, Input &in) {
-  TextPayload text{};
-  text.x = in.Real();
-  text.y = in.Real();
-  text.angle = in.Real();
-  text.height = in.Real();
-  text.widthFactor = in.Real();
-  text.text = host.other.data();
-  text.fontName = host.name.data();
-  host.Hold(text);
-}
-
-// Most texts that are anything show by it, since both take the name "A".
-void TakeFont(HostRecord &host, Input &in) {
-  FontDefPayload font{};
-  font.styleName = host.name.data();
-  font.faceName = in.Below(7) ? host.other.data() : nullptr;
-  font.charsetAndCodePage = in.Take<uint32_t>();
-  host.Hold(font);
-}
-
-void TakePayload(HostRecord &host, Input &in) {
-  switch (host.record.kind) {
-    case ElemLine:
-      TakePlain(host, in, 5);
-      break;
-    case ElemCircle:
-      TakePlain(host, in, 4);
-      break;
-    case ElemArc:
-      TakePlain(host, in, 6);
-      break;
-    case ElemEllipseArc:
-      TakePlain(host, in, 8);
-      break;
-    case ElemSolid:
-      TakePlain(host, in, 8);
-      break;
-    case ElemPolyline:
-      TakePolyline(host, in);
-      break;
-    case ElemFilledPolygon:
-      TakePolygon(host, in);
-      break;
-    case ElemPoint:
-      TakePoint(host, in);
-      break;
-    case ElemText:
-      TakeText(host, in);
-      break;
-    case ElemFontDef:
-      TakeFont(host, in);
-      break;
-    case ElemNamedProperty:
-      TakeProperty(host, in);
-      break;
-    case ElemLayerDef:
-      TakeLayer(host, in);
-      break;
-    case ElemLineTypeDef:
-      TakeLineType(host, in);
-      break;
-    default:
-      return;
-  }
-  host.record.payload = host.payload.data();
-  host.record.payloadBytes = static_cast<uint32_t>(host.payload.size());
+void TakeField(HostRecord &host, Input &in, char field) {
+  constexpr char16_t *kNull = nullptr;
+  if (field == 'r' || field == 's') host.Add(in.Real(), field == 's' ? 52 : 0);
+  if (field == 'u') host.Add(in.Below(32));
+  if (field == 'c') host.Add(in.Take<uint32_t>());
+  if (field == '.') host.Add(0);
+  if (field == 'n') host.Add(in.Below(15) ? host.name.data() : kNull);
+  if (field == 'm' || field == 'o') host.Add(field == 'o' || in.Below(7) ? host.other.data() : kNull);
 }
 
 void SendRecord(CPDFFilter &filter, Input &in, uint32_t kind) {
@@ -200,7 +106,16 @@ void SendRecord(CPDFFilter &filter, Input &in, uint32_t kind) {
   host.other = in.Text();
   if (in.Below(1)) host.name.copy(host.record.layerName, 255);
   if (in.Below(3) == 0) host.name.copy(host.record.styleName, 255);
-  TakePayload(host, in);
+  if (kind == ElemNamedProperty && in.Below(1)) host.name = u"CoordSys";
+  if (kind == ElemNamedProperty && in.Below(1)) host.other.assign(2 * KAPDF_COORDSYS_BYTES, u'0' + in.Below(10));
+  if (kind == ElemPolyline) TakePolyline(host, in);
+  if (kind == ElemFilledPolygon) TakePolygon(host, in);
+  for (const auto &[known, fields] : kKinds) {
+    if (known != kind) continue;
+    for (const char field : fields) TakeField(host, in, field);
+  }
+  host.record.payload = host.payload.empty() ? nullptr : host.payload.data();
+  host.record.payloadBytes = static_cast<uint32_t>(host.payload.size());
   filter.WriteElement(&host.record);
 }
 
@@ -213,7 +128,7 @@ void SendDrawing(CPDFFilter &filter, Input &in) {
     else if (choice == 1)
       filter.EndSection(in.Take<int8_t>(), 0, 0);
     else
-      SendRecord(filter, in, kKinds[in.Below(std::size(kKinds) - 1)]);
+      SendRecord(filter, in, kKinds[in.Below(std::size(kKinds) - 1)].first);
   }
 }
 
@@ -237,8 +152,7 @@ void RunOne(Input in) {
   info.ymax = in.Real();
   const std::string ascii = in.Below(1) ? in.Ascii() : "";
   const std::u16string options(ascii.begin(), ascii.end());
-  const bool pageClosed = in.Below(7) != 0;
-  const bool closed = in.Below(15) != 0;
+  const bool pageClosed = in.Below(7) != 0, closed = in.Below(15) != 0;
   {
     const fuzz::FilterPointer filter(new CPDFFilter(fuzz::kSettingsPath, true));
     if (filter->OpenWrite(path.c_str(), &info, nullptr, options.c_str()) != FilterOk) return;

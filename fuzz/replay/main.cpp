@@ -2,49 +2,20 @@
 // more than ten seconds ends the run.
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <iterator>
-#include <mutex>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
 namespace {
-
-// Ends the process unless it is destroyed in time.
-class Watchdog {
- public:
-  explicit Watchdog(std::chrono::seconds limit) : thread_([this, limit] { Wait(limit); }) {}
-  ~Watchdog() {
-    {
-      const std::lock_guard lock(mutex_);
-      done_ = true;
-    }
-    changed_.notify_one();
-    thread_.join();
-  }
-
- private:
-  void Wait(std::chrono::seconds limit) {
-    std::unique_lock lock(mutex_);
-    if (changed_.wait_for(lock, limit, [this] { return done_; })) return;
-    std::fprintf(stderr, "more than %d seconds\n", static_cast<int>(limit.count()));
-    std::abort();
-  }
-
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  bool done_ = false;
-  std::thread thread_;
-};
 
 bool Replay(const std::filesystem::path &path, std::chrono::seconds limit) {
   std::ifstream file(path, std::ios::binary);
@@ -57,9 +28,12 @@ bool Replay(const std::filesystem::path &path, std::chrono::seconds limit) {
   std::printf("%s (%zu bytes)", path.string().c_str(), bytes.size());
   std::fflush(stdout);
   const auto start = std::chrono::steady_clock::now();
-  {
-    const Watchdog watchdog(limit);
+  const auto run = std::async(std::launch::async, [&bytes] {
     LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(bytes.data()), bytes.size());
+  });
+  if (run.wait_for(limit) != std::future_status::ready) {
+    std::fprintf(stderr, "more than %d seconds\n", static_cast<int>(limit.count()));
+    std::abort();
   }
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
   std::printf(" %.2f s\n", took.count());

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "seeds/seeds.h"
 
@@ -26,30 +27,14 @@ int main(int argc, char **argv) {
     std::fprintf(stderr, "usage: fuzz_seeds FOLDER\n");
     return 2;
   }
-<<<<<<< HEAD
-  SeedFolder import(argv[1], "import"), objects(argv[1], "objects"), content(argv[1], "content"),
-      exports(argv[1], "export"), codecs(argv[1], "codecs"), images(argv[1], "images"), faxes(argv[1], "ccitt"),
-      rasters(argv[1], "raster"), cmaps(argv[1], "cmap"), fonts(argv[1], "font"), subsets(argv[1], "subset"),
-      curves(argv[1], "recognition"), bombs(argv[1], "bombs");
-=======
-  SeedFolder import(argv[1], "import"), append(argv[1], "append"), objects(argv[1], "objects"),
-      content(argv[1], "content"), exports(argv[1], "export"), codecs(argv[1], "codecs"), images(argv[1], "images"),
-      faxes(argv[1], "ccitt"), rasters(argv[1], "raster"), cmaps(argv[1], "cmap"), fonts(argv[1], "font"),
-      subsets(argv[1], "subset"), bombs(argv[1], "bombs");
->>>>>>> 16e92bc (Fuzz pages added to any file)
-  AddDocuments(import);
-  AddDocuments(append);
-  AddObjects(objects);
-  AddContents(content);
-  AddDrawings(exports);
-  AddCodecs(codecs);
-  AddImages(images);
-  AddFaxes(faxes);
-  AddRasters(rasters);
-  AddCMaps(cmaps);
-  AddFonts(fonts);
-  AddSubsets(subsets);
-  AddCurves(curves);
-  AddBombs(bombs);
+  constexpr std::pair<const char *, void (*)(SeedFolder &)> kTargets[] = {
+      {"import", AddDocuments},   {"append", AddDocuments}, {"objects", AddObjects}, {"content", AddContents},
+      {"export", AddDrawings},    {"codecs", AddCodecs},    {"images", AddImages},   {"ccitt", AddFaxes},
+      {"raster", AddRasters},     {"cmap", AddCMaps},       {"font", AddFonts},      {"subset", AddSubsets},
+      {"recognition", AddCurves}, {"bombs", AddBombs}};
+  for (const auto &[target, add] : kTargets) {
+    SeedFolder folder(argv[1], target);
+    add(folder);
+  }
   return 0;
 }

@@ -26,13 +26,25 @@ void RequireFinite(const double *values, size_t count) {
   for (size_t i = 0; i < count; ++i) Require(std::isfinite(values[i]), "a value that is not finite");
 }
 
-template <class Payload>
-void RequireFinite(const ElementRecord &record) {
-  static_assert(sizeof(Payload) % sizeof(double) == 0);
-  const auto payload = PayloadOf<Payload>(record);
-  double values[sizeof(Payload) / sizeof(double)];
-  std::memcpy(values, &payload, sizeof payload);
-  RequireFinite(values, std::size(values));
+// Payloads that begin with numbers and point to nothing.
+struct Shape {
+  uint32_t kind;
+  size_t bytes, reals;
+};
+constexpr Shape kShapes[] = {{ElemLine, sizeof(LinePayload), 5},
+                             {ElemCircle, sizeof(CirclePayload), 4},
+                             {ElemArc, sizeof(ArcPayload), 6},
+                             {ElemEllipseArc, sizeof(EllipseArcPayload), 8},
+                             {ElemRasterPlacement, sizeof(RasterPlacementPayload), 6}};
+
+void LookAtShape(const ElementRecord &record) {
+  for (const Shape &shape : kShapes) {
+    if (shape.kind != record.kind) continue;
+    Require(record.payload != nullptr && record.payloadBytes == shape.bytes, "payload size");
+    double values[8];
+    std::memcpy(values, record.payload, shape.reals * sizeof(double));
+    RequireFinite(values, shape.reals);
+  }
 }
 
 void RequireText(const char16_t *text, size_t most) {
@@ -71,12 +83,6 @@ void LookAtPolygon(const ElementRecord &record) {
   Require(before == vertices, "end of the contours");
 }
 
-void LookAtPlacement(const ElementRecord &record) {
-  const auto raster = PayloadOf<RasterPlacementPayload>(record);
-  const double values[] = {raster.x, raster.y, raster.angle, raster.scaleX, raster.scaleY, raster.opacity};
-  RequireFinite(values, std::size(values));
-}
-
 void LookAtLineType(const ElementRecord &record) {
   const auto type = PayloadOf<LineTypeDefPayload>(record);
   RequireText(type.name, 256);
@@ -99,37 +105,11 @@ void LookAt(const ElementRecord &record) {
   if (record.kind == ElemFontDef && (bytes & KAPDF_FONT_MAPPED))
     bytes = (bytes & ~size_t{KAPDF_FONT_MAPPED}) + KAPDF_FONT_MAPPING_BYTES;
   for (size_t i = 0; i < bytes; ++i) seen = seen + static_cast<const uint8_t *>(record.payload)[i];
-  switch (record.kind) {
-    case ElemLayerDef:
-      LookAtLayer(record);
-      break;
-    case ElemLineTypeDef:
-      LookAtLineType(record);
-      break;
-    case ElemPolyline:
-      LookAtPolyline(record);
-      break;
-    case ElemFilledPolygon:
-      LookAtPolygon(record);
-      break;
-    case ElemRasterPlacement:
-      LookAtPlacement(record);
-      break;
-    case ElemLine:
-      RequireFinite<LinePayload>(record);
-      break;
-    case ElemCircle:
-      RequireFinite<CirclePayload>(record);
-      break;
-    case ElemArc:
-      RequireFinite<ArcPayload>(record);
-      break;
-    case ElemEllipseArc:
-      RequireFinite<EllipseArcPayload>(record);
-      break;
-    default:
-      break;
-  }
+  if (record.kind == ElemLayerDef) LookAtLayer(record);
+  if (record.kind == ElemLineTypeDef) LookAtLineType(record);
+  if (record.kind == ElemPolyline) LookAtPolyline(record);
+  if (record.kind == ElemFilledPolygon) LookAtPolygon(record);
+  LookAtShape(record);
 }
 
 struct Sink {
