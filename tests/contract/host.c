@@ -15,10 +15,6 @@ static int Fail(const char *text, const char *file, int line) {
   return 1;
 }
 
-void CheckThat(int holds, const char *text, const char *file, int line) {
-  if (!holds && Fail(text, file, line)) printf(" does not hold\n");
-}
-
 void CheckEqual(uint64_t expected, uint64_t actual, const char *text, const char *file, int line) {
   if (expected == actual || !Fail(text, file, line)) return;
   printf(" is 0x%lx, not 0x%lx\n", (unsigned long)actual, (unsigned long)expected);
@@ -55,34 +51,16 @@ void WriteFileBytes(const char *path, const char *bytes, size_t size) {
   }
 }
 
-void WritePdf(const char *path, const char *const *contents, int pages, const char *trailerEntries) {
-  enum { kMostObjects = 64, kRoom = 65536 };
-  long offsets[kMostObjects];
-  char *text = malloc(kRoom);
-  const int objects = 3 + 2 * pages;
-  if (!text || objects > kMostObjects) exit(2);
-  int n = sprintf(text, "%%PDF-1.4\n");
-  offsets[1] = n;
-  n += sprintf(text + n, "1 0 obj\n<</Type /Catalog /Pages 2 0 R>>\nendobj\n");
-  offsets[2] = n;
-  n += sprintf(text + n, "2 0 obj\n<</Type /Pages /Count %d /Kids [", pages);
-  for (int i = 0; i < pages; ++i) n += sprintf(text + n, "%d 0 R ", 3 + 2 * i);
-  n += sprintf(text + n, "]>>\nendobj\n");
-  for (int i = 0; i < pages; ++i) {
-    const int page = 3 + 2 * i;
-    offsets[page] = n;
-    n += sprintf(text + n, "%d 0 obj\n<</Type /Page /Parent 2 0 R /MediaBox [0 0 720 720] /Contents %d 0 R>>\nendobj\n",
-                 page, page + 1);
-    offsets[page + 1] = n;
-    n += sprintf(text + n, "%d 0 obj\n<</Length %d>>\nstream\n%s\nendstream\nendobj\n", page + 1,
-                 (int)strlen(contents[i]), contents[i]);
+void WritePdf(const char *path, const char *const *objects, int count, const char *trailerEntries) {
+  char text[4096], table[1024];
+  int n = sprintf(text, "%%PDF-1.4\n"), t = sprintf(table, "xref\n0 %d\n0000000000 65535 f \n", count + 1);
+  for (int i = 0; i < count; ++i) {
+    t += sprintf(table + t, "%010d 00000 n \n", n);
+    n += sprintf(text + n, "%d 0 obj\n%s\nendobj\n", i + 1, objects[i]);
   }
-  const int table = n;
-  n += sprintf(text + n, "xref\n0 %d\n0000000000 65535 f \n", objects);
-  for (int i = 1; i < objects; ++i) n += sprintf(text + n, "%010ld 00000 n \n", offsets[i]);
-  n += sprintf(text + n, "trailer\n<</Size %d %s>>\nstartxref\n%d\n%%%%EOF\n", objects, trailerEntries, table);
+  const int at = n;
+  n += sprintf(text + n, "%strailer\n<</Size %d %s>>\nstartxref\n%d\n%%%%EOF\n", table, count + 1, trailerEntries, at);
   WriteFileBytes(path, text, (size_t)n);
-  free(text);
 }
 
 static uint32_t Report(ProgressObject *self, double fraction) {

@@ -7,10 +7,9 @@
 /* ---- checks ---- */
 
 /* Counts, and tells the first failures with their place; the program's exit status follows from the count. */
-void CheckThat(int holds, const char *text, const char *file, int line);
 void CheckEqual(uint64_t expected, uint64_t actual, const char *text, const char *file, int line);
 void CheckNear(double expected, double actual, double tolerance, const char *text, const char *file, int line);
-#define CHECK(condition) CheckThat((condition) != 0, #condition, __FILE__, __LINE__)
+#define CHECK(condition) CheckEqual(1, (condition) != 0, #condition, __FILE__, __LINE__)
 #define EQUAL(expected, actual) CheckEqual((uint64_t)(expected), (uint64_t)(actual), #actual, __FILE__, __LINE__)
 #define NEAR(expected, actual, tolerance) CheckNear(expected, actual, tolerance, #actual, __FILE__, __LINE__)
 int FailureCount(void);
@@ -34,8 +33,8 @@ char16_t *Widen(const char *text, char16_t to[PATH_UNITS]);
 int SameText(const char16_t *text, const char16_t *expected);
 void WriteFileBytes(const char *path, const char *bytes, size_t size);
 
-/* A PDF of a catalog, a tree of pages and one content for each page; contents are in points. */
-void WritePdf(const char *path, const char *const *contents, int pages, const char *trailerEntries);
+/* A PDF of these objects, numbered from 1 on. */
+void WritePdf(const char *path, const char *const *objects, int count, const char *trailerEntries);
 
 /* ---- the host's objects ---- */
 
@@ -69,7 +68,6 @@ void TestBaseDefaults(void);
 void TestResults(void);
 void TestReading(void);
 void TestWriting(void);
-void TestSections(void);
 void TestRoundTrip(void);
 
 #endif

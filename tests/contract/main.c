@@ -18,7 +18,6 @@ int main(int argc, char **argv) {
   TestResults();
   TestReading();
   TestWriting();
-  TestSections();
   TestRoundTrip();
   printf("%d failures\n", FailureCount());
   return FailureCount() != 0;

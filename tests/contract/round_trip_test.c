@@ -11,8 +11,6 @@ static double corners[] = {20.125, 30.5, 120.75, 31.25, 121, 99.999, 60.0625, 14
 static double area[] = {40, 40, 100, 40, 100, 100, 40, 100, 50, 50, 50, 60, 60, 60, 60, 50};
 static uint32_t starts[] = {0, 4, 8};
 static LinePayload line = {0.35, 10.123, 20.456, 190.789, 130.987};
-static CirclePayload circle = {0.25, 100, 75, 25};
-static ArcPayload arc = {0.25, 100, 75, 20, -1.5, 0.5}; /* end, then start */
 
 static void Export(const char *path) {
   FilterObject *filter = writeRow->create(NULL);
@@ -41,8 +39,6 @@ static void Export(const char *path) {
   polygon.vertices = area;
   polygon.opacity = 50;
   EQUAL(0, Send(filter, ElemFilledPolygon, &polygon, sizeof polygon));
-  EQUAL(0, Send(filter, ElemCircle, &circle, sizeof circle));
-  EQUAL(0, Send(filter, ElemArc, &arc, sizeof arc));
   EQUAL(0, filter->table->EndSection(filter, 4, 0, 0));
   EQUAL(0, Send(filter, ElemEndOfPage, NULL, 0));
   EQUAL(0, filter->table->Close(filter));
@@ -114,28 +110,6 @@ static void ImportPolygon(FilterObject *filter) {
   }
 }
 
-/* What was drawn as curves is fitted again: a part of a circle less closely than a whole one. */
-static void ImportCurves(FilterObject *filter) {
-  ElementRecord record;
-  if (Next(filter, &record, ElemCircle)) {
-    CirclePayload in;
-    EQUAL(sizeof in, record.payloadBytes);
-    memcpy(&in, record.payload, sizeof in);
-    NEAR(circle.width, in.width, kTolerance);
-    NEAR(circle.cx * kFactor, in.cx, 0.01);
-    NEAR(circle.cy * kFactor, in.cy, 0.01);
-    NEAR(circle.radius * kFactor, in.radius, 0.0003 * circle.radius);
-  }
-  if (Next(filter, &record, ElemArc)) {
-    ArcPayload in;
-    EQUAL(sizeof in, record.payloadBytes);
-    memcpy(&in, record.payload, sizeof in);
-    NEAR(arc.radius * kFactor, in.radius, 0.001 * arc.radius);
-    NEAR(arc.startAngle, in.startAngle, 0.001);
-    NEAR(arc.endAngle, in.endAngle, 0.001);
-  }
-}
-
 void TestRoundTrip(void) {
   Export("trip.pdf");
   FilterObject *filter = readRow->create(NULL);
@@ -148,7 +122,6 @@ void TestRoundTrip(void) {
   Next(filter, &record, ElemLayerDef);
   ImportLineAndPolyline(filter);
   ImportPolygon(filter);
-  ImportCurves(filter);
   EQUAL(FilterEndOfElements, filter->table->ReadElement(filter, &record));
   EQUAL(0, filter->table->Close(filter));
   readRow->destroy(filter);

@@ -7,15 +7,6 @@ static LinePayload line = {0.5, 10, 10, 90, 60};
 
 static uint32_t SendLine(FilterObject *filter) { return Send(filter, ElemLine, &line, sizeof line); }
 
-/* 0xFFFF0003 with the flag where the geometry writer took it, 0 where the section drops everything. */
-static uint32_t SendComposite(FilterObject *filter, uint32_t *flags) {
-  ElementRecord record;
-  InitRecord(&record, ElemComposite);
-  const uint32_t result = filter->table->WriteElement(filter, &record);
-  *flags = record.flags;
-  return result;
-}
-
 static void Begin(FilterObject *filter, int32_t section, uint32_t expected) {
   EQUAL(expected, filter->table->BeginSection(filter, section, 0, 0));
 }
@@ -49,83 +40,42 @@ static void TestOpenResults(FilterObject *filter) {
     EQUAL(0, filter->table->Close(filter));
   }
   /* A file that is not there yet is a new document, whatever page was asked for. */
-  static const int32_t pages[] = {0, 3, -2};
-  for (int i = 0; i < 3; ++i) {
-    remove("new.pdf");
-    FileInfo info;
-    InitInfo(&info, pages[i]);
-    EQUAL(0, OpenForWriting(filter, "new.pdf", &info, NULL));
-    EQUAL(-1, info.pageIndex);
-    EQUAL(0, filter->table->Close(filter));
-  }
+  remove("new.pdf");
+  FileInfo info;
+  InitInfo(&info, 3);
+  EQUAL(0, OpenForWriting(filter, "new.pdf", &info, NULL));
+  EQUAL(-1, info.pageIndex);
+  EQUAL(0, filter->table->Close(filter));
 }
 
 static void TestRefusedElements(FilterObject *filter) {
   EQUAL(0, SendLine(filter));
   EQUAL(11, Send(filter, ElemRasterRows, NULL, 0));
-  static const struct {
-    const char16_t *style;
-    uint32_t result;
-  } styles[] = {{u"Plain", 0}, {u"Dashed", FilterUnsupported}, {u"Unknown", 0}, {u"", 0}};
-  for (size_t i = 0; i < sizeof styles / sizeof styles[0]; ++i) {
+  EQUAL(FilterUnsupported, Send(filter, 0xFFFFFFFF, &line, sizeof line));
+  /* Elements with a pattern are the host's own work. Texts name their style in the same place. */
+  static const char16_t *const styles[] = {u"Plain", u"Dashed", u"Unknown"};
+  for (int i = 0; i < 6; ++i) {
     ElementRecord record;
-    InitRecord(&record, ElemLine);
+    InitRecord(&record, i % 2 ? ElemText : ElemLine);
     record.layerName[0] = u'A';
-    for (size_t k = 0; styles[i].style[k]; ++k) record.styleName[k] = styles[i].style[k];
-    record.payload = &line;
-    record.payloadBytes = sizeof line;
-    EQUAL(styles[i].result, filter->table->WriteElement(filter, &record));
-    record.kind = ElemText; /* the line type is looked up for texts as well */
-    record.payload = NULL;
-    EQUAL(styles[i].result, filter->table->WriteElement(filter, &record));
+    for (size_t k = 0; styles[i / 2][k]; ++k) record.styleName[k] = styles[i / 2][k];
+    record.payload = i % 2 ? NULL : &line;
+    record.payloadBytes = i % 2 ? 0 : sizeof line;
+    EQUAL(i / 2 == 1 ? FilterUnsupported : 0, filter->table->WriteElement(filter, &record));
   }
-  PointPayload point = {2, 10, 10, {0}, 1};
-  EQUAL(FilterUnsupported, Send(filter, ElemPoint, &point, sizeof point));
-  double one[2] = {5, 5};
-  PolylinePayload polyline;
-  memset(&polyline, 0, sizeof polyline);
-  polyline.vertexCount = 1;
-  polyline.curved = 1;
-  polyline.vertices = one;
-  EQUAL(0, Send(filter, ElemPolyline, &polyline, sizeof polyline));
-  static const uint32_t unknown[] = {2, 25, 26, 29, 99, 0xFFFFFFFF};
-  for (size_t i = 0; i < sizeof unknown / sizeof unknown[0]; ++i) {
-    EQUAL(FilterUnsupported, Send(filter, unknown[i], &line, sizeof line));
-  }
-  static char16_t name[] = u"coordsys", other[] = u"TITLE", value[] = u"00FF";
+  static char16_t name[] = u"coordsys", value[] = u"00FF";
   NamedPropertyPayload property = {name, 32, value};
   EQUAL(FilterConsumed, Send(filter, ElemNamedProperty, &property, sizeof property));
-  property.name = other;
+  property.name = value;
   EQUAL(FilterUnsupported, Send(filter, ElemNamedProperty, &property, sizeof property));
 }
 
-void TestWriting(void) {
-  FilterObject *filter = writeRow->create(NULL);
-  TestOpenResults(filter);
-  FileInfo info;
-  InitInfo(&info, -1);
-  EQUAL(0, OpenForWriting(filter, "out.pdf", &info, NULL));
-  SendTables(filter);
-  Begin(filter, 4, 0);
-  TestRefusedElements(filter);
-  End(filter, 4);
-  EQUAL(0, Send(filter, ElemEndOfPage, NULL, 0));
-  EQUAL(0, filter->table->Close(filter));
-  EQUAL(5, SendLine(filter));
-
-  /* Neither a document that was not closed nor one without elements is a reason to stumble. */
-  EQUAL(0, OpenForWriting(filter, "half.pdf", &info, NULL));
-  SendTables(filter);
-  Begin(filter, 4, 0);
-  EQUAL(0, SendLine(filter));
-  writeRow->destroy(filter);
-}
-
-/* What an element does tells the section in which the filter takes it to be. */
+/* What a composite element does tells the section in which the filter takes it to be. */
 static void CheckSection(FilterObject *filter, uint32_t expected) {
-  uint32_t flags;
-  EQUAL(expected, SendComposite(filter, &flags));
-  EQUAL(expected == FilterUnsupported ? 0x40 : 0, flags);
+  ElementRecord record;
+  InitRecord(&record, ElemComposite);
+  EQUAL(expected, filter->table->WriteElement(filter, &record));
+  EQUAL(expected == FilterUnsupported ? 0x40 : 0, record.flags);
 }
 
 static void TestNestedSections(FilterObject *filter) {
@@ -141,10 +91,7 @@ static void TestNestedSections(FilterObject *filter) {
                   {8, 0, FilterUnsupported},
                   {9, 2, 0},
                   {1, 2, 0},
-                  {0, 2, 0},
-                  {-1, 2, 0},
-                  {INT32_MIN, 2, 0},
-                  {INT32_MAX, 2, 0}};
+                  {-1, 2, 0}};
   enum { kCount = sizeof sections / sizeof sections[0] };
   CheckSection(filter, 0);
   for (int i = 0; i < kCount; ++i) {
@@ -166,16 +113,28 @@ static void TestNestedSections(FilterObject *filter) {
   CheckSection(filter, 0);
 }
 
-void TestSections(void) {
+void TestWriting(void) {
   FilterObject *filter = writeRow->create(NULL);
   Begin(filter, 4, 0); /* also without a document */
   End(filter, 4);
   End(filter, 4);
+  TestOpenResults(filter);
   FileInfo info;
   InitInfo(&info, -1);
-  EQUAL(0, OpenForWriting(filter, "sections.pdf", &info, NULL));
+  EQUAL(0, OpenForWriting(filter, "out.pdf", &info, NULL));
   SendTables(filter);
   TestNestedSections(filter);
+  Begin(filter, 4, 0);
+  TestRefusedElements(filter);
+  End(filter, 4);
+  EQUAL(0, Send(filter, ElemEndOfPage, NULL, 0));
   EQUAL(0, filter->table->Close(filter));
+  EQUAL(5, SendLine(filter));
+
+  /* Neither a document that was not closed nor one without elements is a reason to stumble. */
+  EQUAL(0, OpenForWriting(filter, "half.pdf", &info, NULL));
+  SendTables(filter);
+  Begin(filter, 4, 0);
+  EQUAL(0, SendLine(filter));
   writeRow->destroy(filter);
 }
