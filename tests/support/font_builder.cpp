@@ -82,6 +82,8 @@ std::string BuildFont(const std::string &family, std::u16string_view characters,
       {"name", Names(family)},
       {"post", Words({3, 0, 0, 0, Minus(100), 50}) + std::string(20, '\0')}};
   if (varies) {
+    tables[1].second = Words({0, 2, 3, 0, 0, 20, 3, 1, 0, 44, 4, 24, 0, 2, 2, 0, 0, 65535, 0, 65535, 1, 0}) +
+                       CharacterMap(characters).substr(12);
     tables.emplace_back("fvar", Words({1, 0, 16, 2, 1, 20, 1, 8}) + "wght" + Words({400, 0, 400, 0, 700, 0, 0, 2}) +
                                     Words({5, 0, 700, 0}));
     tables.emplace_back("gvar", Words({1, 0, 1, 0, 0, 0, glyphs, 0, 0, 0}) + std::string(2 * glyphs + 2, '\0'));

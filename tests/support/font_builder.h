@@ -14,7 +14,8 @@ std::string Sfnt(const std::vector<std::pair<std::string, std::string>> &tables,
 
 // A square 700 units high and 500 wide for each character, glyph 1 for the first; glyph 0 is empty. 1000 units to the
 // em, 900 and 200 above and below the base line. Glyph i is 600 + i units wide. The characters ascend.
-// With `varies` it is a variable font, whose instance "Bold" weighs 700.
+// With `varies` it is a variable font, whose instance "Bold" weighs 700, and a table of symbols stands ahead of the
+// characters.
 std::string BuildFont(const std::string &family, std::u16string_view characters, size_t base = 0, bool varies = false);
 
 // Writes the fonts to files in the current folder and makes the font system know them, besides its own. Must come

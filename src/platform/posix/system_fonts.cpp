@@ -41,7 +41,8 @@ class FreeTypeFont final : public SystemFont {
     faceName_ = face.family;
     instance_ = face.index >> 16 != 0;
     symbols_ = FT_Select_Charmap(face_, FT_ENCODING_MS_SYMBOL) == 0;
-    if (!symbols_) FT_Select_Charmap(face_, FT_ENCODING_UNICODE);
+    // Text is written by the first two of these tables, so it is measured by them.
+    if (!SelectTable(3, 1) && !SelectTable(1, 0) && !symbols_) FT_Select_Charmap(face_, FT_ENCODING_UNICODE);
     return true;
   }
 
@@ -60,9 +61,17 @@ class FreeTypeFont final : public SystemFont {
   int32_t Right(int64_t units) const { return -Left(-units); }
   int64_t unitsPerEm() const { return face_->units_per_EM; }
 
+  bool SelectTable(FT_UShort platform, FT_UShort encoding) {
+    for (FT_Int i = 0; i < face_->num_charmaps; ++i) {
+      FT_CharMap map = face_->charmaps[i];
+      if (map->platform_id == platform && map->encoding_id == encoding && FT_Set_Charmap(face_, map) == 0) return true;
+    }
+    return false;
+  }
   FT_UInt GlyphOf(char16_t character) const {
     const FT_UInt glyph = FT_Get_Char_Index(face_, character);
-    return glyph == 0 && symbols_ && character < 256 ? FT_Get_Char_Index(face_, kPrivateUse + character) : glyph;
+    const bool bySymbols = face_->charmap && face_->charmap->encoding == FT_ENCODING_MS_SYMBOL;
+    return glyph == 0 && bySymbols && character < 256 ? FT_Get_Char_Index(face_, kPrivateUse + character) : glyph;
   }
   uint8_t PitchAndFamily(const TT_OS2 *os2) const;
   ByteBuffer LoadTable(FT_ULong tag) const;
