@@ -131,10 +131,12 @@ std::vector<uint16_t> GlyphsOfCodes(const CodeTable &glyphs, const CodeSet &used
 }
 
 // What is not in the list and its glyphs are made of, each once. The components of glyph 0 only when a code uses it.
+// Nothing when an outline does not lie in the tables, or so many lie over each other that it takes forever.
 std::optional<std::vector<uint16_t>> ComponentsOf(const std::vector<uint16_t> &list, const Outlines &outlines) {
   CodeSet seen;
   std::vector<uint16_t> open;
   std::vector<uint16_t> components;
+  size_t walked = 0;
   const auto add = [&](uint16_t glyph) {
     if (!seen[glyph]) open.push_back(glyph);
     seen.set(glyph);
@@ -145,7 +147,7 @@ std::optional<std::vector<uint16_t>> ComponentsOf(const std::vector<uint16_t> &l
     const uint16_t next = open.back();
     open.pop_back();
     const std::optional<Bytes> glyph = outlines.Glyph(next);
-    if (!glyph) return std::nullopt;
+    if (!glyph || (walked += glyph->size()) > 2 * outlines.size()) return std::nullopt;
     if (!listed[next]) components.push_back(next);
     EachComponent(*glyph, add);
   }
