@@ -16,7 +16,7 @@ constexpr double kPlainReach = 1e300;  // sums of coordinates that are not large
 int StepsFor(double legs) {
   if (!std::isfinite(legs)) return kFewestSteps;
   const double steps = legs / kStepLength;
-  return steps > kFewestSteps ? static_cast<int>(std::fmin(steps, limits::kCurvePoints + 1.0)) : kFewestSteps;
+  return steps > kFewestSteps ? static_cast<int>(std::fmin(steps, limits::kCurvePoints)) : kFewestSteps;
 }
 
 struct Point {
@@ -94,7 +94,7 @@ void FlattenCubic(CoordArray &points, double x1, double y1, double x2, double y2
   const double x0 = points.data()[points.size() - 2], y0 = points.data()[points.size() - 1];
   const double legs = Distance(x0, y0, x1, y1) + Distance(x1, y1, x2, y2) + Distance(x2, y2, x3, y3);
   int steps = StepsFor(legs);
-  if (steps > limits::kCurvePoints || points.size() / 2 + static_cast<size_t>(steps) > maxPoints) steps = 1;
+  if (points.size() / 2 + static_cast<size_t>(steps) > maxPoints) steps = 1;
   double *out = points.Extend(static_cast<size_t>(steps) * 2);
   double *end = out + 2 * (steps - 1);
   end[0] = x3;

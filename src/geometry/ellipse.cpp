@@ -10,7 +10,6 @@ namespace {
 constexpr double kPi = std::numbers::pi;
 constexpr double kSameAngle = 1e-6;
 constexpr double kAngleSlack = 1e-10;
-constexpr double kOnAxis = 1e-4;      // length: a point this near to an axis counts as lying on it
 constexpr double kBeyondAxis = 0.01;  // length: a foot point further out is none
 constexpr double kFarthestSquare = 1e40;
 

@@ -14,6 +14,9 @@ bool AngleBetween(double mid, double start, double end);
 // Angles are radians; `start` and `end` are those of the ellipse's parameter, counter-clockwise from the axis `a`,
 // which itself is turned by `rotation`.
 struct Ellipse {
+  // A point this near to an axis counts as lying on it, which moves its distance by no more.
+  static constexpr double kOnAxis = 1e-4;
+
   double centreX, centreY, a, b, rotation;
   double start = 0, end = kWholeTurn;
 

@@ -108,13 +108,15 @@ bool FitsCircle(std::span<const double> points, const CurveFit &fit, double tole
 
 // Whether points are near to an ellipse. Most of them need no distance. With q = (u/a)^2 + (v/b)^2, what is left along
 // the line from the centre is |1 - 1/sqrt(q)| of the point's distance from it, below |q - 1| a while that is small; and
-// it is no less than the real distance. That one in turn is no less than |sqrt(q) - 1| b.
+// it is no less than the real distance. That one in turn is no less than |sqrt(q) - 1| b. Points near to an axis have a
+// distance that is a little different, so of ellipses as small as that every point needs one.
 class Band {
  public:
   Band(const Ellipse &ellipse, double limit)
       : ellipse_(ellipse),
         limit_(limit),
-        plainLimit_(std::min(limit, kPlainReach)),
+        reach_(limit * ellipse.a - Ellipse::kOnAxis),
+        plainLimit_(std::min(reach_ / ellipse.a, kPlainReach)),
         uOfX_(std::cos(ellipse.rotation) / ellipse.a),
         uOfY_(std::sin(ellipse.rotation) / ellipse.a),
         vOfX_(-std::sin(ellipse.rotation) / ellipse.b),
@@ -134,7 +136,7 @@ class Band {
     if (std::fabs(square - 1) <= plainLimit_) return true;
     const double dx = x - ellipse_.centreX, dy = y - ellipse_.centreY;
     const double beyond = std::fabs(1 - 1 / std::sqrt(square)) * std::sqrt(dx * dx + dy * dy);
-    if (beyond <= limit_ * ellipse_.a) return true;
+    if (beyond <= reach_) return true;
     double angle;
     return std::fabs(ellipse_.Distance(x, y, angle) / ellipse_.a) <= limit_;
   }
@@ -151,7 +153,7 @@ class Band {
   }
 
   const Ellipse &ellipse_;
-  double limit_, plainLimit_, uOfX_, uOfY_, vOfX_, vOfY_, inner_, outer_;
+  double limit_, reach_, plainLimit_, uOfX_, uOfY_, vOfX_, vOfY_, inner_, outer_;
 };
 
 bool FitsEllipse(std::span<const double> points, const Ellipse &ellipse, double tolerance) {
