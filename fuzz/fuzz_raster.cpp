@@ -17,8 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     rest.remove_prefix(end == rest.npos ? rest.size() : end + kBreak.size());
     return piece;
   };
-  kapdf::test::PdfBuilder document;
-  document.Stream(4, "", next());
+  kapdf::test::PdfBuilder document = kapdf::test::PagesOf({std::string(next())});
   std::string table;
   for (int number = 10; !rest.empty() && number < 30; ++number) {
     const std::string_view piece = next();
@@ -29,8 +28,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
       document.Object(number, piece);
     table += "/X" + std::to_string(number) + " " + std::to_string(number) + " 0 R";
   }
-  document.Object(1, "<</Type /Catalog /Pages 2 0 R>>");
-  document.Object(2, "<</Type /Pages /Kids [3 0 R] /Count 1>>");
   document.Object(3, "<</Type /Page /MediaBox [0 0 612 792] /Contents 4 0 R /Resources <</ColorSpace <<" + table +
                          ">> /XObject " + (data[0] % 2 ? "9 0 R" : "<<" + table + ">>") + ">> >>");
   document.Object(9, "<<" + table + ">>");

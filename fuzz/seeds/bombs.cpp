@@ -107,11 +107,6 @@ void AddCrossReferenceBombs(SeedFolder &folder) {
   folder.Add("count_members", Replaced(packed, "/N ", "/N 2000000000 /M "));
   folder.Add("count_first", Replaced(packed, "/First ", "/First 2000000000 /M "));
   folder.Add("count_columns", Replaced(packed, "/Columns 7", "/Columns 2000000000"));
-  const std::string zeros = DeflatedRepeats(std::string_view("\0", 1), size_t{1} << 30);
-  std::string out =
-      "%PDF-1.5\n1 0 obj<</Type /XRef /W [1 1 1] /Size 2000000000 /Root 1 0 R /Filter /FlateDecode /Length " +
-      std::to_string(zeros.size()) + ">>stream\n" + zeros + "\nendstream\nstartxref\n9\n%%EOF\n";
-  folder.Add("xref_zeros", out);
 }
 
 void AddPageTreeBombs(SeedFolder &folder) {

@@ -3,17 +3,13 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string_view>
 
-#include "filter/filter.h"
+#include "support/filter_pointer.h"
 
 namespace kapdf::fuzz {
 
-struct FilterDestroyer {
-  void operator()(CPDFFilter *filter) const { filter->Destroy(1); }
-};
-using FilterPointer = std::unique_ptr<CPDFFilter, FilterDestroyer>;
+using test::FilterPointer;
 
 inline constexpr char16_t kSettingsPath[] = u"Software\\kaPDF-fuzz";
 

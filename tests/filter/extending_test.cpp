@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <thread>
 
-#include "filter/filter.h"
 #include "platform/settings.h"
+#include "support/filter_pointer.h"
 #include "support/pdf_builder.h"
 #include "support/temp_file.h"
 
@@ -24,9 +24,8 @@ struct Opened {
     result = filter->OpenWrite(path.c_str(), &info, nullptr, nullptr);
     seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - before).count();
   }
-  ~Opened() { filter->Destroy(1); }
 
-  CPDFFilter *filter;
+  test::FilterPointer filter;
   FileInfo info{};
   uint32_t result;
   double seconds;

@@ -1,11 +1,9 @@
 // How a host asks for the header and the rows of rasters.
 #include <gtest/gtest.h>
 
-#include <memory>
-
 #include "base/bytes.h"
-#include "filter/filter.h"
 #include "platform/settings.h"
+#include "support/filter_pointer.h"
 #include "support/pdf_builder.h"
 #include "support/temp_file.h"
 
@@ -14,10 +12,6 @@ namespace {
 
 double fraction;
 uint32_t Report(ProgressObject *, double done) { return fraction = done, 0; }
-
-struct Destroyer {
-  void operator()(CPDFFilter *object) const { object->Destroy(1); }
-};
 
 TEST(Rasters, AreAskedForByNameAndRowByRow) {
   const std::string image = "/Subtype /Image /Width 8 /BitsPerComponent 1 /Height ";
@@ -28,7 +22,7 @@ TEST(Rasters, AreAskedForByNameAndRowByRow) {
                     .Stream(6, image + "50", std::string(50, '\x55'))
                     .Build());
   file.Close();
-  const std::unique_ptr<CPDFFilter, Destroyer> filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", false));
+  const FilterPointer filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", false));
   ProgressTable table{nullptr, nullptr, Report, nullptr, nullptr, nullptr, nullptr};
   ProgressObject sink{&table};
   FileInfo info{};
@@ -93,7 +87,7 @@ TEST(Rasters, StoppedWhileTheyAreWritten) {
   ProgressObject sink{&table};
   for (const auto &[section, result] : cases) {
     SCOPED_TRACE(section);
-    const std::unique_ptr<CPDFFilter, Destroyer> filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", true));
+    const FilterPointer filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", true));
     FileInfo info{};
     info.xmax = info.ymax = 10;
     info.pageIndex = -1;

@@ -4,24 +4,19 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
-#include <iterator>
-#include <memory>
 #include <string>
 #include <tuple>
 
 #include "base/bytes.h"
-#include "filter/filter.h"
+#include "support/bytes.h"
+#include "support/filter_pointer.h"
 #include "support/pdf_builder.h"
 #include "support/temp_file.h"
 
 namespace kapdf {
 namespace {
 
-struct Destroyer {
-  void operator()(CPDFFilter *filter) const { filter->Destroy(1); }
-};
-using FilterPointer = std::unique_ptr<CPDFFilter, Destroyer>;
+using test::FilterPointer;
 
 class FilterSettings : public testing::Test {
  protected:
@@ -41,8 +36,7 @@ std::string Written(CPDFFilter &filter, const char16_t *options) {
   info.pageIndex = -1;
   EXPECT_EQ(filter.OpenWrite(u"settings.pdf", &info, nullptr, options), FilterOk);
   filter.Close();
-  std::ifstream stream("settings.pdf", std::ios::binary);
-  const std::string file(std::istreambuf_iterator<char>(stream), {});
+  const std::string file = test::ReadFile("settings.pdf");
   const size_t at = file.find("/MediaBox [");
   return file.substr(5, 3) + file.substr(at + 11, file.find(']', at) - at - 11);
 }

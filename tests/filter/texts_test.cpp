@@ -1,20 +1,15 @@
 // Text that was exported comes back by import.
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <numbers>
 
 #include "base/bytes.h"
-#include "filter/filter.h"
+#include "support/filter_pointer.h"
 #include "support/font_builder.h"
 #include "support/temp_file.h"
 
 namespace kapdf::test {
 namespace {
-
-struct Destroyer {
-  void operator()(CPDFFilter *object) const { object->Destroy(1); }
-};
 
 class MadeFont : public testing::Environment {
  public:
@@ -32,7 +27,7 @@ constexpr struct {
 TEST(Texts, ComeBackAsTheyWereSent) {
   TempFile file("");
   file.Close();
-  std::unique_ptr<CPDFFilter, Destroyer> filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", true));
+  FilterPointer filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", true));
   FileInfo info{};
   info.xmax = info.ymax = 150;
   info.pageIndex = -1;

@@ -7,21 +7,13 @@
 #include "io/codec_lzw.h"
 #include "io/codec_packbits.h"
 #include "io/memory_file.h"
+#include "support/bytes.h"
 #include "support/pdf_builder.h"
 
 namespace kapdf {
 namespace {
 
-std::span<const uint8_t> Bytes(std::string_view text) {
-  return {reinterpret_cast<const uint8_t *>(text.data()), text.size()};
-}
-
-// All that comes out in reads of `piece` bytes.
-std::string Drain(CCompressionClass &codec, size_t piece) {
-  std::string all, part(piece, '\0');
-  while (const size_t got = codec.Read(part.data(), piece)) all.append(part, 0, got);
-  return all;
-}
+using test::Bytes, test::Drain;
 
 struct Case {
   std::string coded, plain;

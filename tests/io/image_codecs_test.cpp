@@ -10,21 +10,14 @@
 #include "io/codec_jbig2.h"
 #include "io/codec_jp2.h"
 #include "io/memory_file.h"
+#include "support/bytes.h"
 
 namespace kapdf {
 namespace {
 
 using namespace std::string_literals;
 
-std::span<const uint8_t> Bytes(std::string_view text) {
-  return {reinterpret_cast<const uint8_t *>(text.data()), text.size()};
-}
-
-std::string Drain(CCompressionClass &codec, size_t piece) {
-  std::string all, part(piece, '\0');
-  while (const size_t got = codec.Read(part.data(), piece)) all.append(part, 0, got);
-  return all;
-}
+using test::Bytes, test::Drain;
 
 std::string Big(uint32_t value, int bytes = 4) {
   std::string text;
@@ -106,25 +99,6 @@ TEST(Dct, DecodesEveryKind) {
       EXPECT_EQ(codec.adobeMarker(), components == 4 || kind.stored == JCS_RGB);
       EXPECT_LE(Difference(Drain(codec, piece), Slope(components)), 12) << kind.stored << ' ' << piece;
       EXPECT_EQ(codec.error(), kCodecFinished);
-    }
-  }
-}
-
-TEST(Dct, EncodesWhatItDecodes) {
-  for (const uint32_t components : {1u, 3u}) {
-    for (const size_t piece : {size_t{10}, size_t{kWidth} * components * 20 + 1}) {
-      CZVMemoryFile file;
-      CZVDCT encoder(file, 0, 8 * components, kWidth, 2, 90);
-      encoder.SetHeight(kHeight);
-      const std::string plain = Slope(components);
-      for (size_t at = 0; at < plain.size(); at += piece) {
-        const size_t part = std::min(piece, plain.size() - at);
-        EXPECT_EQ(encoder.Write(plain.data() + at, part), part);
-      }
-      EXPECT_TRUE(encoder.flush());
-      file.Seek(0, SeekOrigin::kStart);
-      CZVDCT decoder(file, 0, 0, 0, 1, 0);
-      EXPECT_LE(Difference(Drain(decoder, 1000), plain), 12);
     }
   }
 }

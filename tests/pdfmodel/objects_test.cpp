@@ -6,13 +6,12 @@
 #include <tuple>
 
 #include "io/memory_file.h"
+#include "support/bytes.h"
 
 namespace kapdf {
 namespace {
 
-std::span<const uint8_t> Bytes(std::string_view text) {
-  return {reinterpret_cast<const uint8_t *>(text.data()), text.size()};
-}
+using test::Bytes;
 
 // An object as text: R12.0 a reference, 3/3.9 a number, (..) a string, w(..) a wide one, /A, [ ], < >, true, null.
 std::string Describe(const CPDFObject *object) {

@@ -6,12 +6,12 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 
 #include "base64.h"
 #include "os.h"
 #include "platform/settings.h"
+#include "support/bytes.h"
 
 namespace kapdf::tool {
 namespace {
@@ -29,13 +29,6 @@ Ran Kapdf(std::vector<std::string> words, const std::string &input = "") {
   std::ostringstream out, err;
   const int status = RunTool(words, {in, out, err});
   return {status, out.str(), err.str()};
-}
-
-void Write(const std::string &path, const std::string &text) { std::ofstream(path, std::ios::binary) << text; }
-
-std::string Read(const std::string &path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 std::vector<std::string> LinesWith(const std::string &text, const std::string &start) {
@@ -79,7 +72,7 @@ const std::string kAll = R"({"kind":"property","name":"Scale","type":2,"value":"
 )";
 
 TEST(Tool, WhatImportWroteExportGivesBackBitByBit) {
-  Write("all.pdf", kAll);
+  test::WriteFile("all.pdf", kAll);
   const Ran imported = Kapdf({"import", "all.pdf", "--page", "2"});
   ASSERT_EQ(imported.status, 0) << imported.err;
   EXPECT_NE(imported.out.find("\"page\":2,\"pages\":3"), std::string::npos);
@@ -87,20 +80,20 @@ TEST(Tool, WhatImportWroteExportGivesBackBitByBit) {
   EXPECT_NE(imported.err.find("1 of the rasters"), std::string::npos) << imported.err;
   const Ran exported = Kapdf({"export", "-", "-o", "all.log"}, imported.out);
   ASSERT_EQ(exported.status, 0) << exported.err;
-  const std::string log = Read("all.log");
+  const std::string log = test::ReadFile("all.log");
   for (const std::string &line : LinesWith(kAll, "{")) EXPECT_NE(log.find(line + "\n"), std::string::npos) << line;
   EXPECT_NE(exported.err.find("1 composite"), std::string::npos) << exported.err;
 }
 
 TEST(Tool, SaysInOneSentenceWhatIsWrong) {
-  Write("all.pdf", kAll);
-  Write("damaged.pdf", "refuse 2");
-  Write("encrypted.pdf", "refuse 11");
-  Write("infinite.pdf", "infinite");
-  Write("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
-  Write("empty.jsonl", "\n");
-  Write("older.jsonl", "as it was");
-  Write("two.jsonl", "{\"kapdf\":1}\n{\"kapdf\":1}\n");
+  test::WriteFile("all.pdf", kAll);
+  test::WriteFile("damaged.pdf", "refuse 2");
+  test::WriteFile("encrypted.pdf", "refuse 11");
+  test::WriteFile("infinite.pdf", "infinite");
+  test::WriteFile("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
+  test::WriteFile("empty.jsonl", "\n");
+  test::WriteFile("older.jsonl", "as it was");
+  test::WriteFile("two.jsonl", "{\"kapdf\":1}\n{\"kapdf\":1}\n");
   const std::vector<std::string> onePoint = {"export", "point.jsonl", "-o"};
   const auto with = [](std::vector<std::string> words, const std::vector<std::string> &more) {
     words.insert(words.end(), more.begin(), more.end());
@@ -146,8 +139,8 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
     EXPECT_EQ(std::count(ran.err.begin(), ran.err.end(), '\n'), 1) << ran.err;
   }
   for (const char *path : {"gone.jsonl", "gone.pdf"}) EXPECT_FALSE(std::filesystem::exists(path)) << path;
-  EXPECT_EQ(Read("older.jsonl"), "as it was");
-  EXPECT_EQ(Read("all.pdf"), kAll) << "what had been added is cut off";
+  EXPECT_EQ(test::ReadFile("older.jsonl"), "as it was");
+  EXPECT_EQ(test::ReadFile("all.pdf"), kAll) << "what had been added is cut off";
 }
 
 TEST(Tool, RefusesLinesThatItCannotKeepWhole) {
@@ -194,7 +187,7 @@ TEST(Tool, DrivesTheWriterInItsOrder) {
   const Ran ran = Kapdf({"export", "-", "-o", "order.log", "--options", "/q 50"}, drawing);
   ASSERT_EQ(ran.status, 0) << ran.err;
   std::string order;
-  std::istringstream log(Read("order.log"));
+  std::istringstream log(test::ReadFile("order.log"));
   for (std::string word, first, line; std::getline(log, line);) {
     std::istringstream(line) >> word >> first;
     if (word == "record") order += first + " ";
@@ -204,28 +197,28 @@ TEST(Tool, DrivesTheWriterInItsOrder) {
   // The line that the module refuses for its line type comes back as two dashes.
   EXPECT_EQ(order, "begin2 14 end2 begin3 6 6 7 end3 begin4 19 19 19 19 1 end4 close ");
   // The undefined layer has the line's own width, layer A its own.
-  EXPECT_EQ(LinesWith(Read("order.log"), "open").at(0), "open -1 of 1 box -2 -1 12 22 options /q 50");
+  EXPECT_EQ(LinesWith(test::ReadFile("order.log"), "open").at(0), "open -1 of 1 box -2 -1 12 22 options /q 50");
 }
 
 TEST(Tool, PagesGoOneBehindTheOther) {
-  Write("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
+  test::WriteFile("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
   const auto opens = [] {
     std::string all;
-    for (const std::string &line : LinesWith(Read("pages.log"), "open "))
+    for (const std::string &line : LinesWith(test::ReadFile("pages.log"), "open "))
       all += line.substr(5, line.find(" box") - 5) + "; ";
     return all;
   };
   const std::vector<std::string> one = {"export", "point.jsonl", "-o", "pages.log"};
   ASSERT_EQ(Kapdf({"export", "point.jsonl", "point.jsonl", "-o", "pages.log"}).status, 0);
   EXPECT_EQ(opens(), "-1 of 2; -2 of 2; ");
-  const std::string before = Read("pages.log");
+  const std::string before = test::ReadFile("pages.log");
   for (const std::vector<std::string> &more : {std::vector<std::string>{"--append"}, {"--replace", "3", "--pdfa"}}) {
     std::vector<std::string> words = one;
     words.insert(words.end(), more.begin(), more.end());
     ASSERT_EQ(Kapdf(words).status, 0);
   }
   EXPECT_EQ(opens(), "-1 of 2; -2 of 2; -2 of 1; 2 of 1; ");
-  EXPECT_TRUE(Read("pages.log").starts_with(before));
+  EXPECT_TRUE(test::ReadFile("pages.log").starts_with(before));
   ASSERT_EQ(Kapdf(one).status, 0);
   EXPECT_EQ(opens(), "-1 of 1; ") << "an older file is overwritten";
 }
@@ -234,23 +227,24 @@ TEST(Tool, SettingsHoldForOneRun) {
   if (std::getenv("KAPDF_SETTINGS") == nullptr) GTEST_SKIP() << "ctest names settings that are nobody's";
   const platform::Settings user(u"", u"\\PDF");
   ASSERT_TRUE(user.WriteInteger(u"Log", 4));
-  Write("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
+  test::WriteFile("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
   const Ran ran = Kapdf({"export", "-o", "settings.log", "--set", "quality=40", "--set", "PaperFrame=3.5", "--set",
                          "DefaultResolution=150", "--set", "Quality=41", "point.jsonl"});
   ASSERT_EQ(ran.status, 0) << ran.err;
   // Quality, PaperFrame, Log and DefaultResolution in each of the three places.
   using Lines = std::vector<std::string>;
-  EXPECT_EQ(LinesWith(Read("settings.log"), "setting"),
+  EXPECT_EQ(LinesWith(test::ReadFile("settings.log"), "setting"),
             (Lines{"setting 41 41 none", "setting 3.5 3.5 none", "setting none 4 none", "setting none none 150"}));
   // The next run sees the user's settings only.
   ASSERT_EQ(Kapdf({"export", "point.jsonl", "-o", "settings.log"}).status, 0);
-  EXPECT_EQ(LinesWith(Read("settings.log"), "setting"), (Lines{"setting none none none", "setting none none none",
-                                                               "setting none 4 none", "setting none none none"}));
+  EXPECT_EQ(
+      LinesWith(test::ReadFile("settings.log"), "setting"),
+      (Lines{"setting none none none", "setting none none none", "setting none 4 none", "setting none none none"}));
   EXPECT_TRUE(user.RemoveKey());
 }
 
 TEST(Tool, StopsWithNothingLeftBehind) {
-  Write("interrupt.pdf", "interrupt");
+  test::WriteFile("interrupt.pdf", "interrupt");
   std::string drawing;
   for (int i = 0; i < 9; ++i) drawing += "{\"kind\":\"point\",\"at\":[1,2]}\n";
   for (const auto &words :
@@ -264,17 +258,17 @@ TEST(Tool, StopsWithNothingLeftBehind) {
 }
 
 TEST(Tool, TellsAboutFileModuleAndEveryPage) {
-  Write("all.pdf", kAll);
+  test::WriteFile("all.pdf", kAll);
   EXPECT_EQ(LinesWith(Kapdf({"import", "all.pdf", "--all"}).out, "{\"kapdf\":1").size(), 3u);
   ASSERT_EQ(Kapdf({"import", "all.pdf", "--all", "-o", "pages.svg"}).status, 0);
   for (const char *path : {"pages-1.svg", "pages-2.svg", "pages-3.svg"}) {
-    EXPECT_TRUE(Read(path).ends_with("</svg>\n")) << path;
+    EXPECT_TRUE(test::ReadFile(path).ends_with("</svg>\n")) << path;
   }
   const Ran ran = Kapdf({"info", "all.pdf", "--preview", "page.bmp"}), help = Kapdf({"--help"});
   for (const char *text : {"pages      3", "version    9.9", "maker      Nobody", "2 layers", "1 ellipse arc,"}) {
     EXPECT_NE(ran.out.find(text), std::string::npos) << text << "\n" << ran.out;
   }
-  const std::string bmp = Read("page.bmp");
+  const std::string bmp = test::ReadFile("page.bmp");
   EXPECT_EQ(bmp.substr(0, 18), std::string("BM\x3E\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0", 18));
   EXPECT_EQ(bmp.substr(54), std::string("\1\2\3\4\5\6\0\0", 8));
   EXPECT_EQ(help.status, 0);
@@ -299,23 +293,23 @@ TEST(Tool, RastersBecomePictures) {
   const std::string placed =
       R"(,"color":2147483903,"at":[10,20],"scaleX":1,"scaleY":-1,"angle":1.5707963267948966,"opacity":50}
 {"kind":"rasterHeader","dpi":254,)";
-  Write("rasters.pdf", R"({"kind":"raster","image":"a/b")" + placed +
-                           R"("image":"a/b","pixelsWide":10,"pixelsHigh":2,"depthHint":1,"pixelType":0}
+  test::WriteFile("rasters.pdf", R"({"kind":"raster","image":"a/b")" + placed +
+                                     R"("image":"a/b","pixelsWide":10,"pixelsHigh":2,"depthHint":1,"pixelType":0}
 {"kind":"rasterRow","data":"AgAAAAEAAAADAAAACQAAAGMAAAA="}
 {"kind":"rasterRow","data":"AAAAAA=="}
-{"kind":"raster","image":"Im")" +
-                           placed + R"("image":"Im","pixelsWide":4,"pixelsHigh":1,"pixelType":2,"palette":")" +
-                           Palette("AAMDAAECAwAEBQYABwgJ/wAA") + R"("}
+{"kind":"raster","image":"Im")" + placed +
+                                     R"("image":"Im","pixelsWide":4,"pixelsHigh":1,"pixelType":2,"palette":")" +
+                                     Palette("AAMDAAECAwAEBQYABwgJ/wAA") + R"("}
 {"kind":"rasterRow","data":"AgEAyA=="}
-{"kind":"raster","image":"im")" +
-                           placed + R"("image":"im","pixelsWide":2,"pixelsHigh":2,"pixelType":4}
+{"kind":"raster","image":"im")" + placed +
+                                     R"("image":"im","pixelsWide":2,"pixelsHigh":2,"pixelType":4}
 {"kind":"rasterRow","data":"AQIDBAUGY2M="}
-{"kind":"raster","image":"im")" +
-                           placed + R"("image":"im","pixelsWide":2,"pixelsHigh":1,"pixelType":5}
+{"kind":"raster","image":"im")" + placed +
+                                     R"("image":"im","pixelsWide":2,"pixelsHigh":1,"pixelType":5}
 {"kind":"rasterRow","data":"AQIDAAQFBv8="}
 {"kind":"rasterRow","data":"CQ=="}
-{"kind":"raster","image":"none")" +
-                           placed + R"("image":"none","pixelsWide":2,"pixelsHigh":1,"pixelType":3}
+{"kind":"raster","image":"none")" + placed +
+                                     R"("image":"none","pixelsWide":2,"pixelsHigh":1,"pixelType":3}
 {"kind":"rasterRow","data":"AQI="}
 )");
   const auto bilevel = [](const std::string &ink, const std::string &ground) {
@@ -338,12 +332,13 @@ TEST(Tool, RastersBecomePictures) {
   EXPECT_NE(lines.err.find("pics 1: 4 pictures"), std::string::npos) << lines.err;
   ASSERT_EQ(Kapdf({"import", "rasters.pdf", "--images", "pics 2", "-o", "linked.svg"}).status, 0);
   ASSERT_EQ(Kapdf({"import", "rasters.pdf", "-o", "embedded.svg"}).status, 0);
-  const std::string json = Read("rasters.jsonl"), linked = Read("linked.svg"), embedded = Read("embedded.svg");
+  const std::string json = test::ReadFile("rasters.jsonl"), linked = test::ReadFile("linked.svg"),
+                    embedded = test::ReadFile("embedded.svg");
   EXPECT_EQ(LinesWith(json, "{\"kind\":\"rasterRow\"").size(), 1u) << "of the raster that is no picture";
   size_t at = 0;
   for (const auto &[name, pixels] : cases) {
-    EXPECT_EQ(Pixels(Read("pics 1/" + name)), pixels.empty() ? black : pixels) << name;
-    EXPECT_EQ(Pixels(Read("pics 2/" + name)), pixels.empty() ? red : pixels) << name;
+    EXPECT_EQ(Pixels(test::ReadFile("pics 1/" + name)), pixels.empty() ? black : pixels) << name;
+    EXPECT_EQ(Pixels(test::ReadFile("pics 2/" + name)), pixels.empty() ? red : pixels) << name;
     EXPECT_NE(json.find("\"file\":\"pics 1/" + name + "\""), std::string::npos) << json;
     EXPECT_NE(linked.find("xlink:href=\"pics%202/" + name + "\""), std::string::npos) << linked;
     at = embedded.find("base64,", at) + 7;
@@ -358,7 +353,7 @@ TEST(Tool, RastersBecomePictures) {
   // What the export takes of them: rasters ahead of everything drawn, each under an identity of its own.
   const auto taken = [](const std::string &path) {
     std::string order, rows;
-    for (const std::string &line : LinesWith(Read(path), "record ")) {
+    for (const std::string &line : LinesWith(test::ReadFile(path), "record ")) {
       std::string word, kind, key, row;
       std::istringstream(line) >> word >> kind >> key >> row;
       order += kind + (kind == "34" ? "=" + key : "") + " ";
@@ -381,12 +376,12 @@ TEST(Tool, RastersBecomePictures) {
   EXPECT_EQ(taken("converted.log"), "6 12 5 5 12 5 12 5 5 12 5 5 12 5 34=1 34=2 34=3 34=4 34=5 1 | " + runs +
                                         "AgEAyA== AQIDBAUGY2M= AAAAAAAAAAA= AQID//// //////// AQI= ");
   ASSERT_EQ(Kapdf({"convert", "rasters.pdf", "converted.log", "--all"}).status, 0);
-  EXPECT_EQ(LinesWith(Read("converted.log"), "open ").size(), 3u);
+  EXPECT_EQ(LinesWith(test::ReadFile("converted.log"), "open ").size(), 3u);
 }
 
 TEST(Tool, SaysWhatIsWrongWithAPicture) {
   const std::string header = R"({"kind":"rasterHeader","pixelsWide":2,"pixelsHigh":1,"pixelType":1,"file":")";
-  Write("text.png", "no picture");
+  test::WriteFile("text.png", "no picture");
   ASSERT_EQ(Kapdf({"import", "rasters.pdf", "--images", "pics 1", "-o", "rasters.jsonl"}).status, 0);
   for (const auto &[file, says] : {std::pair{"gone.png", "cannot read gone.png"},
                                    {"text.png", "no PNG picture"},

@@ -11,11 +11,9 @@ namespace {
 
 using test::XRefForm;
 
-void Put(const std::string &bytes) { std::ofstream("old.pdf", std::ios::binary) << bytes; }
-
 // The file behind the old bytes, which must have stayed as they were.
 std::string Added(const Workspace &workspace, const std::string &old, int32_t page) {
-  Put(old);
+  test::WriteFile("old.pdf", old);
   const std::string file = Sheet(workspace, u"old.pdf", 100, 50, page).Start().Finish();
   EXPECT_TRUE(file.starts_with(old));
   return file.substr(old.size());

@@ -216,24 +216,5 @@ TEST(Content, NothingWithoutLayersOrBehindThePage) {
   EXPECT_EQ(file.find(empty), file.rfind(empty));
 }
 
-TEST(Content, RastersAreRefused) {
-  const Workspace workspace;
-  Sheet sheet(workspace);
-  sheet.Start();
-  RasterPlacementPayload placement{};
-  const std::pair<int32_t, uint32_t> cases[] = {
-      {2, FilterNotAvailable}, {4, FilterConsumed}, {6, FilterConsumed}, {8, FilterNotAvailable}};
-  for (const auto &[section, result] : cases) {
-    sheet.writer().BeginSection(section);
-    EXPECT_EQ(sheet.Draw(ElemRasterPlacement, placement), result);
-  }
-  sheet.writer().BeginSection(4);
-  sheet.writer().EndSection(8);
-  EXPECT_EQ(sheet.Draw(ElemRasterPlacement, placement), FilterNotAvailable) << "every end clears the section";
-  EXPECT_EQ(sheet.writer().OpenRaster({}), FilterBadRaster);
-  EXPECT_EQ(sheet.writer().WriteRow({}), FilterNoRasterOpen);
-  EXPECT_EQ(sheet.writer().Define(RecordOf(ElemRasterPlacement, &placement)), FilterConsumed);
-}
-
 }  // namespace
 }  // namespace kapdf

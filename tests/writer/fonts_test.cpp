@@ -161,18 +161,14 @@ TEST(Fonts, ReadersSeeTheText) {
   sheet.Finish();
   ASSERT_EQ(std::system("pdffonts sheet.pdf > fonts.txt 2> errors.txt && pdftotext sheet.pdf text.txt 2>> errors.txt"),
             0);
-  const auto read = [](const char *name) {
-    std::ifstream file(name, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-  };
-  EXPECT_TRUE(
-      std::regex_search(read("fonts.txt"), std::regex(R"(ZVNEW.\+KapdfMade +CID TrueType +Identity-H +yes yes yes)")))
-      << read("fonts.txt");
-  EXPECT_EQ(read("text.txt").substr(0, 14), "Af \u03B2\u0416 \u1EBF\u6C38");
+  EXPECT_TRUE(std::regex_search(test::ReadFile("fonts.txt"),
+                                std::regex(R"(ZVNEW.\+KapdfMade +CID TrueType +Identity-H +yes yes yes)")))
+      << test::ReadFile("fonts.txt");
+  EXPECT_EQ(test::ReadFile("text.txt").substr(0, 14), "Af \u03B2\u0416 \u1EBF\u6C38");
   // The one thing that readers complain of is the map from characters to glyphs, which is a text instead of a name.
-  EXPECT_EQ(
-      std::regex_replace(read("errors.txt"), std::regex("Syntax Error: Invalid CIDToGIDMap entry in CID font\n"), ""),
-      "");
+  EXPECT_EQ(std::regex_replace(test::ReadFile("errors.txt"),
+                               std::regex("Syntax Error: Invalid CIDToGIDMap entry in CID font\n"), ""),
+            "");
 }
 
 }  // namespace

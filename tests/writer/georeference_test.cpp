@@ -90,8 +90,7 @@ TEST(Georeference, IsUnderstoodByGdal) {
   for (const auto &[block, method, parameter] : cases) {
     PageWith(workspace, block);
     EXPECT_EQ(std::system("gdalinfo geo.pdf > judge.txt 2>&1"), 0);
-    std::ifstream file("judge.txt", std::ios::binary);
-    const std::string told(std::istreambuf_iterator<char>(file), {});
+    const std::string told = test::ReadFile("judge.txt");
     // The corner of the sheet, and pixels of 1/150 inch.
     for (const std::string what : {method, parameter, "Origin = (299998.000", "Size = (0.169333333333333,-0.1693333"})
       EXPECT_NE(told.find(what), std::string::npos) << what << "\n" << told;

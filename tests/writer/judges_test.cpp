@@ -42,10 +42,8 @@ std::string WriteDrawing(const Workspace &workspace, const char *name, double si
 // Standard output and error of a command, ahead of its exit status. What mutool says about its own build is left out.
 std::string Output(const std::string &command) {
   const int status = std::system((command + " > judge.txt 2>&1").c_str());
-  std::ifstream file("judge.txt", std::ios::binary);
-  const std::string text(std::istreambuf_iterator<char>(file), {});
   static const std::regex ownBuild("warning: ICC support is not available\n");
-  return std::regex_replace(text, ownBuild, "") + "[" + std::to_string(status) + "]";
+  return std::regex_replace(test::ReadFile("judge.txt"), ownBuild, "") + "[" + std::to_string(status) + "]";
 }
 
 void ExpectAccepted(const std::string &file) {
@@ -108,8 +106,7 @@ TEST(Judges, GetImagesBack) {
     sheet.Finish();
     ExpectAccepted("image.pdf");
     ASSERT_EQ(Output("pdfimages image.pdf back"), "[0]");
-    std::ifstream file(pixelType == 0 ? "back-000.pbm" : "back-000.ppm", std::ios::binary);
-    const std::string all(std::istreambuf_iterator<char>(file), {});
+    const std::string all = test::ReadFile(pixelType == 0 ? "back-000.pbm" : "back-000.ppm");
     ASSERT_GT(all.size(), samples.size());
     int worst = 0;
     for (size_t i = 0, at = all.size() - samples.size(); i < samples.size(); ++i) {

@@ -13,6 +13,7 @@
 
 #include "platform/file.h"
 #include "platform/settings.h"
+#include "support/bytes.h"
 #include "writer/write_file.h"
 
 namespace kapdf {
@@ -121,8 +122,7 @@ class Sheet {
     writer_->Finish();
     writer_.reset();
     stream_.reset();
-    std::ifstream file(std::filesystem::path(name_), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return test::ReadFile(name_);
   }
 
  private:

@@ -6,6 +6,7 @@
 
 #include "fonts/font_sfnt.h"
 #include "platform/system_fonts.h"
+#include "support/bytes.h"
 
 using namespace kapdf;
 using Kind = FontSubset::Kind;
@@ -18,11 +19,8 @@ std::string Big(std::initializer_list<int> words) {
   for (const int word : words) bytes += {static_cast<char>(word >> 8), static_cast<char>(word)};
   return bytes;
 }
-std::span<const uint8_t> Span(const std::string &bytes) {
-  return {reinterpret_cast<const uint8_t *>(bytes.data()), bytes.size()};
-}
 std::string Table(const std::string &font, std::string_view tag) {
-  const auto table = SfntTable(Span(font), tag);
+  const auto table = SfntTable(test::Bytes(font), tag);
   return {table.begin(), table.end()};
 }
 uint32_t Sum(const std::string &bytes, size_t at = 0, size_t size = std::string::npos) {
@@ -63,10 +61,10 @@ std::string Font(bool wide, bool mac, const std::string &version = Big({1, 0})) 
 }
 
 FontSubset Subset(const std::string &font, std::u16string_view text) {
-  const auto glyphs = GlyphsOfCmap(SfntTable(Span(font), "cmap"));
+  const auto glyphs = GlyphsOfCmap(SfntTable(test::Bytes(font), "cmap"));
   CodeSet used;
   for (const char16_t code : text) used.set(code);
-  return MakeTrueTypeSubset(Span(font), glyphs ? *glyphs : CodeTable{}, used, "ZVNEWA+");
+  return MakeTrueTypeSubset(test::Bytes(font), glyphs ? *glyphs : CodeTable{}, used, "ZVNEWA+");
 }
 
 std::string Drawn(FT_Face face, uint32_t glyph) {
@@ -113,7 +111,7 @@ TEST(TrueTypeSubset, TellsWhatItCannotCut) {
   EXPECT_EQ(Subset(lost, u"A").kind, Kind::kSubset);
   EXPECT_EQ(Subset(lost, u"B").kind, Kind::kNotEmbeddable);
   EXPECT_EQ(Subset(font, u"ABCDEFGHI").kind, Kind::kSubset);
-  EXPECT_TRUE(std::ranges::equal(Subset(font, u"ABCDEFGHIJ").bytes.span(), Span(font)));
+  EXPECT_TRUE(std::ranges::equal(Subset(font, u"ABCDEFGHIJ").bytes.span(), test::Bytes(font)));
   for (const char *version : {"OTTO", "ttcf"})
     EXPECT_EQ(Subset(Font(true, false, version), u"A").kind, Kind::kNotEmbeddable);
   for (size_t i = 0; i < font.size(); ++i) {  // no damage may crash it, nor a cut be taken for a font

@@ -5,10 +5,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <fstream>
 #include <vector>
 
 #include "filter/filter.h"
+#include "support/bytes.h"
 #include "support/pdf_builder.h"
 #include "support/temp_file.h"
 
@@ -54,8 +54,7 @@ TEST(Killed, LeavesTheOldBytes) {
     int status = 0;
     waitpid(child, &status, 0);
     ASSERT_TRUE(WIFSIGNALED(status));
-    std::ifstream in(file.path(), std::ios::binary);
-    const std::string left(std::istreambuf_iterator<char>(in), {});
+    const std::string left = test::ReadFile(file.path());
     ASSERT_TRUE(left.starts_with(old)) << round;
     longest = std::max(longest, left.size());
   }

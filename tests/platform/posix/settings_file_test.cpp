@@ -4,13 +4,12 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <thread>
 #include <vector>
 
 #include "platform/file.h"
 #include "platform/settings.h"
+#include "support/bytes.h"
 
 namespace kapdf::platform {
 namespace {
@@ -27,11 +26,7 @@ class SettingsFile : public testing::Test {
   }
   void TearDown() override { std::filesystem::remove_all(folder_); }
 
-  void Put(std::string_view text) const { std::ofstream(path_, std::ios::binary) << text; }
-  std::string Get() const {
-    std::ifstream file(path_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  void Put(std::string_view text) const { test::WriteFile(path_, text); }
 
   const Settings key_{u"", u"\\PDF"};
   std::filesystem::path folder_, path_;
@@ -70,7 +65,7 @@ TEST_F(SettingsFile, LinksAndRightsStay) {
   std::filesystem::create_symlink("real.ini", path_);
   ASSERT_TRUE(key_.WriteInteger(u"A", 1));
   EXPECT_TRUE(std::filesystem::is_symlink(path_));
-  EXPECT_EQ("; mine\n\n[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=1\n", Get());
+  EXPECT_EQ("; mine\n\n[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=1\n", test::ReadFile(path_));
   EXPECT_EQ(std::filesystem::perms(0600), std::filesystem::status(path_).permissions());
 }
 
