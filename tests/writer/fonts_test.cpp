@@ -145,7 +145,9 @@ TEST(Fonts, OtherInstancesOfAVariableFontStayAtHome) {
     ASSERT_TRUE(font && font->FaceName() == u"KapdfVaries");
     EXPECT_EQ(font->Table("").empty(), bold);
     // By the table that text is written by. GDI's own bold is wider.
-    if (!bold) EXPECT_EQ(font->Advances(u'A', u'B'), (std::vector<int32_t>{602, 603}));
+    if (!bold) {
+      EXPECT_EQ(font->Advances(u'A', u'B'), (std::vector<int32_t>{602, 603}));
+    }
   }
 }
 
