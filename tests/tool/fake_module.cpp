@@ -42,7 +42,9 @@ uint32_t ReadWord(FakeFilter &f, const char16_t *path) {
 }
 
 uint32_t Identify(FilterObject *self, const char16_t *path, FileInfo *info) {
-  info->pageCount = 3;
+  info->pageCount = 3;  // and each that was added
+  std::ifstream in(PathOf(path));
+  for (std::string word; in >> word;) info->pageCount += word == "startxref";
   std::memcpy(info->formatName, u"Adobe PDF ", 22);
   return ReadWord(Self(self), path);
 }
@@ -143,7 +145,7 @@ uint32_t WriteElement(FilterObject *self, ElementRecord *record) {
 }
 
 uint32_t Close(FilterObject *self) {
-  if (Self(self).log.is_open()) Self(self).log << "close\n";
+  if (Self(self).log.is_open()) Self(self).log << "close\nstartxref\n";
   Self(self).log.close();
   return 0;
 }

@@ -191,7 +191,7 @@ class Converter {
       if (Outcome converted = ConvertPage(first + i); !converted.ok()) return converted;
     }
     progress_.Clear();
-    output_.Keep();
+    if (Outcome kept = output_.Keep(); !kept.ok()) return kept;
     output_.TellSummary();
     return {};
   }
@@ -222,8 +222,7 @@ class Converter {
     if (Outcome read = Read(number, drawing); !read.ok()) return read;
     page.Enter(KAPDF_SECTION_DRAWING);
     page.EndPage();
-    output_.EndPage(page);
-    return {};
+    return output_.EndPage(page);
   }
 
   const ConvertRequest &request_;

@@ -192,8 +192,7 @@ Outcome WriteDrawing(const Drawing &drawing, const std::string &folder, PdfOutpu
   if (Outcome begun = output.BeginPage(ExtentsOf(drawing, tables, plan), progress); !begun.ok()) return begun;
   PageWriter page(output.filter(), tables);
   Outcome outcome = DrawingWriter(drawing, tables, plan, folder, page, progress).Write();
-  if (outcome.ok()) output.EndPage(page);
-  return outcome;
+  return outcome.ok() ? output.EndPage(page) : outcome;
 }
 
 }  // namespace
@@ -212,7 +211,7 @@ Outcome RunExport(const Session &session, const ExportRequest &request) {
     if (Outcome written = WriteDrawing(drawing, folder, output, progress); !written.ok()) return written;
   }
   progress.Clear();
-  output.Keep();
+  if (Outcome kept = output.Keep(); !kept.ok()) return kept;
   output.TellSummary();
   return {};
 }

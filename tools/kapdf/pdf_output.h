@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -16,7 +17,8 @@ namespace kapdf::tool {
 class PageWriter;
 
 // What was written goes away again unless it is kept: a new file as a whole, of an older one all that stands behind
-// what it held, if nobody else added to it meanwhile.
+// what it held, if nobody else added to it meanwhile. A file that is overwritten comes back from a copy beside it,
+// where there was room for one.
 class PdfOutput {
  public:
   PdfOutput(const Session &session, const Target &target) : session_(session), target_(target) {}
@@ -30,22 +32,29 @@ class PdfOutput {
   // Opens the next page for a drawing of these extents in millimetres.
   Outcome BeginPage(const Box &extents, Progress &progress);
   Filter &filter() { return filter_; }
-  void EndPage(const PageWriter &page);
-  void Keep() { begun_ = false; }
+  // Looks whether all of the page is there: the module does not tell of a full disk.
+  Outcome EndPage(const PageWriter &page);
+  // Looks whether the older pages are still found.
+  Outcome Keep();
   // What became of the pages, as sentences on the error stream.
   void TellSummary() const;
 
  private:
   Outcome LookAtOlderFile();
   void NoteOlderBytes(std::optional<uintmax_t> before);
+  void CopyOlderFile();
+  bool HoldsAnEnd() const;
 
   const Session &session_;
   const Target &target_;
   Filter filter_;
-  int pagesToCome_ = 0, pages_ = 0;
+  int pagesToCome_ = 0, pages_ = 0, olderPages_ = 0;
   bool begun_ = false;    // the file holds something that is not kept yet
   bool extends_ = false;  // an older file
   std::optional<uintmax_t> olderBytes_;
+  std::optional<uintmax_t> pageEnd_;          // of the last page, in the file
+  uintmax_t pageStart_ = 0;                   // of the one under way, or ahead of it
+  std::filesystem::path overwritten_, copy_;  // the copy is of what stood there; empty for none
   KindCounts written_, refused_, drawnPlain_;
 };
 
