@@ -1,7 +1,6 @@
 // Small coded images.
-#include "io/codec_dct.h"
-#include "io/memory_file.h"
 #include "seeds/seeds.h"
+#include "support/jpeg.h"
 
 namespace kapdf::fuzz {
 
@@ -11,12 +10,7 @@ void AddImages(SeedFolder &folder) {
     for (char piece : {1, 6}) folder.Add(name + std::to_string(piece), codec + (piece + std::string(4, '\0')) + coded);
   };
   for (uint32_t components : {1u, 3u}) {
-    CZVMemoryFileFlat sink;
-    CZVDCT encoder(sink, 0, 8 * components, 21, 2, 75);
-    encoder.SetHeight(30);
-    for (uint32_t i = 0; i < 21 * 30 * components; ++i) encoder.putByte(static_cast<uint8_t>(i * i >> 5));
-    encoder.flush();
-    add(components == 1 ? "grey" : "rgb", 0, std::string(sink.bytes().begin(), sink.bytes().end()));
+    add(components == 1 ? "grey" : "rgb", 0, test::Jpeg(21, 30, components, 75, [](uint32_t i) { return i * i >> 5; }));
   }
   // A page of 8 by 8 pixels, two patterns and a grid of them; bars.
   add("jbig2", 1,

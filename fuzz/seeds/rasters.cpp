@@ -1,7 +1,6 @@
 // Pages of images: content and objects as fuzz_raster takes them.
-#include "io/codec_dct.h"
-#include "io/memory_file.h"
 #include "seeds/seeds.h"
+#include "support/jpeg.h"
 #include "support/pdf_builder.h"
 
 namespace kapdf::fuzz {
@@ -17,19 +16,13 @@ std::string Image(std::string_view entries, std::string_view data) {
   return "<</Subtype /Image " + std::string(entries) + "\n" + std::string(data);
 }
 
-std::string Jpeg(uint32_t components) {
-  CZVMemoryFileFlat sink;
-  CZVDCT encoder(sink, 0, 8 * components, 8, 2, 75);
-  encoder.SetHeight(9);
-  for (uint32_t i = 0; i < 8 * 9 * components; ++i) encoder.putByte(static_cast<uint8_t>(i * i >> 2));
-  encoder.flush();
-  return {sink.bytes().begin(), sink.bytes().end()};
-}
-
 }  // namespace
 
 void AddRasters(SeedFolder &folder) {
   using namespace std::string_literals;
+  const auto jpeg = [](uint32_t components) {
+    return test::Jpeg(8, 9, components, 75, [](uint32_t i) { return i * i >> 2; });
+  };
   const std::string draw =
       "q 80 0 0 90 1 2 cm /X10 Do Q 0 40 -40 0 0 0 cm /X11 Do /X12 Do\n/X13 Do /X14 Do 1 g /X15 Do";
   const std::string size = "/Width 4 /Height 2 /BitsPerComponent ", rgb = "0123456789abcdefghijklmn";
@@ -45,8 +38,8 @@ void AddRasters(SeedFolder &folder) {
                              {Image(size + "1 /Filter /CCITTFaxDecode /DecodeParms <</K -1>>", "\x26\xA0\x10\x01"),
                               Image(size + "8 /Filter [/A85 /FlateDecode]", "Gar8O8SDlP!!!!~>"),
                               Image(size + "8 /Filter /RunLengthDecode", "\x3"s + rgb + "\x80"),
-                              Image(size + "8 /ColorSpace /DeviceRGB /Filter /DCTDecode", Jpeg(3)),
-                              Image(size + "8 /Filter [/Fl /DCT] /Mask 11 0 R", test::Deflate(Jpeg(1))),
+                              Image(size + "8 /ColorSpace /DeviceRGB /Filter /DCTDecode", jpeg(3)),
+                              Image(size + "8 /Filter [/Fl /DCT] /Mask 11 0 R", test::Deflate(jpeg(1))),
                               Image(size + "8 /Filter /Fl /DecodeParms <</Predictor 15>>", test::Deflate(rgb))}));
   folder.Add("spaces", Page('0', "/X10 cs .5 sc 0 0 9 9 re f /X12 CS .2 SC 0 0 m 9 9 l S " + draw,
                             {Image(size + "8 /ColorSpace [/Separation /A /DeviceCMYK 14 0 R]", rgb),

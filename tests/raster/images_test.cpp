@@ -3,9 +3,8 @@
 
 #include <cstdio>
 
-#include "io/codec_dct.h"
-#include "io/memory_file.h"
 #include "raster/raster_object.h"
+#include "support/jpeg.h"
 #include "support/opened_pdf.h"
 #include "support/pdf_builder.h"
 #include "support/row_text.h"
@@ -40,15 +39,6 @@ std::string Show(CPDFRasterObject &raster) {
     EXPECT_EQ(used, told.kind == RasterKind::kBilevel ? RunList(bytes).bytes() : used / told.width * told.width);
   }
   return text;
-}
-
-std::string Jpeg(uint32_t width, uint32_t height, uint32_t components) {
-  CZVMemoryFileFlat sink;
-  CZVDCT encoder(sink, 0, 8 * components, width, 2, 100);
-  encoder.SetHeight(height);
-  for (uint32_t i = 0; i < width * height * components; ++i) encoder.putByte('a');
-  encoder.flush();
-  return {sink.bytes().begin(), sink.bytes().end()};
 }
 
 // Image 10 beside others that it may refer to. "no" when it cannot be prepared.
@@ -110,6 +100,7 @@ TEST(Image, KindAndPolarityFollowFromTheDictionary) {
 
 TEST(Image, FiltersAreChosenByName) {
   const std::string eight = "/BitsPerComponent 8 ", plain = "4x2 k2 p800000 | abcd | ABCD";
+  const auto letter = [](uint32_t) { return 'a'; };
   const std::string fax = "\x26\xAF\0\x10\x01"s;  // two black rows and the end
   Check("/Width 4 /Height 2 ",
         {{eight + "/Filter /FlateDecode", Deflate("abcdABCD"), plain},
@@ -126,8 +117,9 @@ TEST(Image, FiltersAreChosenByName) {
          {eight + "/Filter /CCF /DecodeParms <</K -1>>", fax, "no"},
          {"/Filter /JBIG2Decode", "damaged", "4x2 k0 inverted | |"},
          {eight + "/Filter /JPXDecode", "damaged", "4x2 k4 | 000000000000000000000000 | 000000000000000000000000"},
-         {"/Filter /DCTDecode /ColorSpace /DeviceGray", Jpeg(4, 2, 1), "4x2 k2 p010101 | aaaa | aaaa"},
-         {"/Filter /DCT", Jpeg(5, 1, 3), "4x2 k4 | aaaaaaaaaaaa | 000000000000000000000000"},  // wider than told
+         {"/Filter /DCTDecode /ColorSpace /DeviceGray", Jpeg(4, 2, 1, 100, letter), "4x2 k2 p010101 | aaaa | aaaa"},
+         {"/Filter /DCT", Jpeg(5, 1, 3, 100, letter),
+          "4x2 k4 | aaaaaaaaaaaa | 000000000000000000000000"},  // wider than told
          {"/Filter [/A85 /DCT]", "damaged", "no"}});
   EXPECT_EQ(Shown("/Width 4 /Height 2 /Filter /JBIG2Decode", "damaged", false), "no");
 }
