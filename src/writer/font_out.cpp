@@ -40,8 +40,8 @@ const FontFace &FaceTable::Face(const std::u16string &name, uint32_t style) {
   return faces_.emplace(key, std::move(face)).first->second;
 }
 
-FontOut::FontOut(FaceTable &faces, std::string name, std::u16string_view faceName, uint32_t style, uint32_t codePage)
-    : faces_(&faces), name_(std::move(name)), faceName_(faceName), style_(style), codePage_(codePage) {}
+FontOut::FontOut(FaceTable &faces, std::string name, std::u16string_view faceName, uint32_t style)
+    : faces_(&faces), name_(std::move(name)), faceName_(faceName), style_(style) {}
 
 void FontOut::MarkGlyphs(std::u16string_view text) {
   if (!used()) Open();
@@ -94,12 +94,10 @@ FontOut::Program FontOut::MakeProgram() {
   return program;
 }
 
-// A code page below zero is none.
-void FontTable::DefineFont(const FontDefPayload &definition, uint32_t defaultCodePage) {
-  const auto codePage = static_cast<int16_t>(definition.charsetAndCodePage >> 16);
+// The code page in the upper half is for text in bytes, and all text is written in glyphs.
+void FontTable::DefineFont(const FontDefPayload &definition) {
   FontOut &font = fonts_.emplace_back(faces_, "TT" + std::to_string(fonts_.size()), NameText(definition.faceName),
-                                      definition.charsetAndCodePage & 0xFFFF,
-                                      codePage < 0 ? defaultCodePage : static_cast<uint32_t>(codePage));
+                                      definition.charsetAndCodePage & 0xFFFF);
   byName_.Add(NameText(definition.styleName), &font);
   last_ = nullptr;
 }

@@ -44,10 +44,9 @@ class FaceTable {
 class FontOut {
  public:
   // `name` is that of the resource. The face is not looked for before the first text.
-  FontOut(FaceTable &faces, std::string name, std::u16string_view faceName, uint32_t style, uint32_t codePage);
+  FontOut(FaceTable &faces, std::string name, std::u16string_view faceName, uint32_t style);
 
   const std::string &name() const { return name_; }
-  uint32_t codePage() const { return codePage_; }
   bool used() const { return face_ != nullptr; }
   int32_t objectNumber = 0;  // from the resources on
 
@@ -88,7 +87,6 @@ class FontOut {
   std::string name_;
   std::u16string faceName_;
   uint32_t style_;
-  uint32_t codePage_;
 
   const FontFace *face_ = nullptr;  // of the table, once text uses it
   std::unique_ptr<CodeSet> glyphUse_;
@@ -98,8 +96,7 @@ class FontOut {
 // Fonts in the order of their definition, found by the name of the text style.
 class FontTable {
  public:
-  // `defaultCodePage` holds for a definition without one of its own.
-  void DefineFont(const FontDefPayload &definition, uint32_t defaultCodePage);
+  void DefineFont(const FontDefPayload &definition);
   // The first of that name, null when there is none.
   FontOut *FindFont(std::u16string_view styleName);
   std::deque<FontOut> &all() { return fonts_; }

@@ -53,9 +53,7 @@ uint32_t CPDFWriteFile::Define(const ElementRecord &record) {
   if (!record.payload) return FilterConsumed;
   if (record.kind == ElemLayerDef) layers_.Add(LoadAs<LayerDefPayload>(record.payload));
   if (record.kind == ElemLineTypeDef) lineTypes_.Add(LoadAs<LineTypeDefPayload>(record.payload));
-  if (record.kind == ElemFontDef) {
-    fonts_.DefineFont(LoadAs<FontDefPayload>(record.payload), static_cast<uint32_t>(options_.codePage));
-  }
+  if (record.kind == ElemFontDef) fonts_.DefineFont(LoadAs<FontDefPayload>(record.payload));
   return FilterConsumed;
 }
 

@@ -27,7 +27,6 @@ WriteOptions WriteOptions::Read(std::u16string_view registryPath) {
   options.colorCompression = settings.ReadInteger(u"ColorCompression", options.colorCompression);
   options.bwCompression = settings.ReadInteger(u"BWCompression", options.bwCompression);
   options.quality = settings.ReadInteger(u"Quality", options.quality);
-  options.codePage = settings.ReadInteger(u"CodePage", options.codePage);
   options.geoTiff = settings.ReadInteger(u"GeoTiff", options.geoTiff);
   options.paperFrame = settings.ReadReal(u"PaperFrame", options.paperFrame);
   options.atOrigin = settings.ReadInteger(u"AtOrigin", options.atOrigin);

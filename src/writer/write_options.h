@@ -18,7 +18,6 @@ struct WriteSettings {
 };
 
 struct WriteOptions : WriteSettings {
-  int32_t codePage = 0;
   int32_t geoTiff = 0;
   int32_t embedFonts = 0;
   int32_t joinStyle = 1;
