@@ -62,7 +62,8 @@ uint32_t OpenRead(FilterObject *self, const char16_t *path, FileInfo *info, Prog
 
 // Two layers that follow each other come in one call.
 uint32_t ReadLines(FakeFilter &f, ElementRecord *record) {
-  const auto &[names, records, extents] = f.drawing;
+  const auto &names = f.drawing.names;
+  const auto &records = f.drawing.records;
   const auto isNext = [&](uint32_t kind) { return f.next < records.size() && records[f.next].kind == kind; };
   const bool raster = record->kind == ElemRasterHeader || record->kind == ElemRasterRows;
   if (raster && !isNext(record->kind)) {
