@@ -18,6 +18,11 @@ Outcome Module::Load(const std::string &path) {
   return {};
 }
 
+Outcome Module::Reload() {
+  library_ = Library();
+  return Load(std::string(path_));
+}
+
 const FilterRow *Module::FindRow(uint32_t mask, uint32_t bits) const {
   for (uint32_t i = 0; i < info_.filterCount; ++i) {
     if ((info_.filters[i].flags & mask) == bits) return &info_.filters[i];

@@ -14,6 +14,8 @@ class Module {
  public:
   // `path` absolute. Loading makes the module's folder the current directory.
   Outcome Load(const std::string &path);
+  // The same module as if in a new process. No filter made by it may be alive.
+  Outcome Reload();
 
   const std::string &path() const { return path_; }
   const FilterInfo &info() const { return info_; }
@@ -39,6 +41,7 @@ struct DestroyFilter {
 class Filter {
  public:
   Outcome Create(const FilterRow *row, const char16_t *registryPath);
+  void Destroy() { object_.reset(); }
   FilterObject *get() const { return object_.get(); }
   const FilterTable &table() const { return *object_->table; }
 

@@ -99,6 +99,12 @@ void PdfOutput::NoteOlderBytes(std::optional<uintmax_t> before) {
   if (before && before == SizeOf(target_.path)) olderBytes_ = before;
 }
 
+Outcome PdfOutput::Renew() {
+  filter_.Destroy();
+  if (Outcome loaded = session_.module.Reload(); !loaded.ok()) return loaded;
+  return filter_.Create(session_.module.WritingRow(), session_.registryPath);
+}
+
 Outcome PdfOutput::BeginPage(const Box &extents, Progress &progress) {
   FileInfo info{};
   info.xmin = extents.xmin;
