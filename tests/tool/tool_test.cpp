@@ -52,6 +52,8 @@ const std::string kAll = R"({"kind":"property","name":"Scale","type":2,"value":"
 {"kind":"layer","name":[65,55296,66],"color":2147483903,"width":-2}
 {"kind":"lineType","name":"Dash","segments":[0.1,-1.5,1,1,1,1,1,1,1,1,1,1,1,1,1,-2],"segmentCount":20}
 {"kind":"font","name":"Style","face":"Face","height":2.5,"widthFactor":0.9,"styleCode":7,"codePage":-1,"program":"AAEC/v8="}
+{"kind":"font","name":"Mapped","face":"Face","height":2.5,"widthFactor":0.9,"program":"AAEC","mapping":")" +
+                         std::string(174762, 'B') + R"(A="}
 {"kind":"point","layer":"","at":[1,-0.0],"size":-2,"pointStyle":2}
 {"kind":"line","layer":[56320],"color":7,"flags":64,"section":6,"width":0.1,"points":[[1e-320,1.7976931348623157e+308],[0.3333333333333333,-1e+21]]}
 {"kind":"circle","layer":"","width":0,"center":[123456789012345680,2],"radius":3}
