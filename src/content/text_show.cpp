@@ -11,11 +11,11 @@ namespace kapdf {
 namespace {
 
 constexpr double kMillimetresPerPoint = 25.4 / 72.0;
-constexpr double kMissingWidth = 0.5;       // em of a character whose font tells none
-constexpr double kMissingHeight = 1.4;      // font size by height, without a font
-constexpr double kWideBlank = 1.0;          // word spacing and a blank's width beyond which words are runs of their own
-constexpr double kWideSpacing = 2.0;        // letter spacing beyond which characters are
-constexpr double kSmallKern = 0.5;          // of the font size: stays inside a run
+constexpr double kMissingWidth = 0.5;   // em of a character whose font tells none
+constexpr double kMissingHeight = 1.4;  // font size by height, without a font
+constexpr double kWideBlank = 1.0;      // word spacing and a blank's width beyond which words are runs of their own
+constexpr double kWideSpacing = 2.0;    // letter spacing beyond which characters are
+constexpr double kSmallKern = 0.5;      // of the font size: stays inside a run
 constexpr size_t kKernText = 255;
 constexpr int kHiddenText = 3;
 

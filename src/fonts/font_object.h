@@ -44,7 +44,7 @@ class CPDFFontObject final : public CPDFResourceObject {
   static constexpr uint32_t kBold = 1;
   static constexpr uint32_t kItalic = 2;
   static constexpr uint32_t kMappingMark = KAPDF_FONT_MAPPED;  // in the size of a program: mapping data stand behind it
-  static constexpr size_t kMappingBytes = KAPDF_FONT_MAPPING_BYTES;       // for each UTF-16 unit the glyph, 16 bits
+  static constexpr size_t kMappingBytes = KAPDF_FONT_MAPPING_BYTES;  // for each UTF-16 unit the glyph, 16 bits
   static constexpr size_t kDefinitionBytes = sizeof(FontDefPayload);
 
   bool WriteReference(CZVBaseIO &sink) const override { return WriteNamedReference(sink); }

@@ -50,9 +50,9 @@ class CCompressionClass {
   // value is none. `SetSampleShape` goes with it. Codecs other than Flate and LZW have no use for it.
   virtual void UsePredictor(uint8_t) {}
   virtual void SetSampleShape(const SampleShape &) {}
-  // Rows as run lists in place of packed bits: `Read(buffer, columns)` delivers one row as a u32 count and as many pairs
-  // of u32, first and last black pixel, and answers with the bytes of these, 0 when there is no further row. The buffer
-  // has 4 * columns + 12 bytes. Only the CCITT codecs know it.
+  // Rows as run lists in place of packed bits: `Read(buffer, columns)` delivers one row as a u32 count and as many
+  // pairs of u32, first and last black pixel, and answers with the bytes of these, 0 when there is no further row. The
+  // buffer has 4 * columns + 12 bytes. Only the CCITT codecs know it.
   virtual void SetBitlineOutput(bool) {}
   // Writes the codec's name with its zero, cut to `size` bytes.
   void GetInfo(char *buffer, size_t size) const;

@@ -17,8 +17,8 @@ namespace kapdf {
 // One flag per UTF-16 unit.
 using CodeSet = std::bitset<65536>;
 
-// Glyph by UTF-16 unit, 0 for none, from a font's `cmap`: its table for Unicode, or where it has none the byte table for
-// the Macintosh, byte for unit. Null when it has neither.
+// Glyph by UTF-16 unit, 0 for none, from a font's `cmap`: its table for Unicode, or where it has none the byte table
+// for the Macintosh, byte for unit. Null when it has neither.
 std::unique_ptr<CodeTable> GlyphsOfCmap(std::span<const uint8_t> cmap);
 
 // The seven bytes in front of the names of the next subset, "ZVNEWA+" for the first of the process. The letter goes up
