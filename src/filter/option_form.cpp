@@ -89,7 +89,7 @@ OptionForm::OptionForm(Direction direction, std::u16string_view registryPath, st
   for (size_t i = 0; i < count; ++i) {
     const Setting &setting = settings_[i];
     const platform::Settings key(registryPath_, setting.key);
-    platform::FormField field;
+    platform::FormField &field = fields_.emplace_back();
     field.control = setting.control;
     field.kind = setting.kind;
     field.lowest = setting.lowest;
@@ -101,7 +101,6 @@ OptionForm::OptionForm(Direction direction, std::u16string_view registryPath, st
       field.number = key.ReadReal(setting.name, setting.fallback);
     else
       field.number = key.ReadInteger(setting.name, static_cast<int32_t>(setting.fallback));
-    fields_.push_back(std::move(field));
     if (setting.kind == Kind::kSwitch || setting.kind == Kind::kChoice) SetValue(setting.control, field.number);
   }
   if (options.empty()) return;
