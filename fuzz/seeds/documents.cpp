@@ -52,17 +52,6 @@ std::string Updated(XRefForm first, XRefForm second) {
       .Build(second, before);
 }
 
-// A classic table whose trailer also names a cross-reference stream.
-std::string Hybrid() {
-  const std::string inner = PagesOf({"7 7 m 8 8 l S"}).Build(XRefForm::kObjectStream);
-  const size_t at = inner.rfind("startxref\n") + 10;
-  const std::string stream = inner.substr(at, inner.find('\n', at) - at);
-  return PdfBuilder()
-      .Trailer("/Root 1 0 R /XRefStm " + stream)
-      .Stream(4, "", "1 1 m 9 9 l S")
-      .Build(XRefForm::kClassic, inner);
-}
-
 // Pages below pages, in two branches.
 std::string DeepTree() {
   return PdfBuilder()
@@ -107,7 +96,6 @@ void AddDocuments(SeedFolder &folder) {
       OnePage(SampleContent(),
               "/MediaBox [0 0 9 9] /Annots [] /LGIDict [<</CTM [(2) 0 0 -2 5 (6)] /Projection <</Type /Projection "
               "/ProjectionType (TC) /CentralMeridian (9) /Datum <</Ellipsoid <</SemiMajorAxis 6e3>> >> >> >>]"));
-  folder.Add("hybrid", Hybrid());
   folder.Add("deep_tree", DeepTree());
   folder.Add("encrypted", PagesOf({""}).Trailer("/Root 1 0 R /Encrypt 5 0 R").Build());
   AddDamaged(folder);

@@ -44,12 +44,6 @@ constexpr Seed kContents[] = {
     {"holes", "0 0 100 100 re 10 10 m 10 90 l 90 90 l 90 10 l h f\n0 0 9 9 re 20 20 9 9 re f*\n0 0 m 5 5 l 3 3 m f\n"},
 };
 
-// Each asks for the usual order of calls; the values follow in the order in which the target takes them.
-constexpr Seed kDrawings[] = {
-    {"empty", ""},
-    {"text", "a drawing made of whatever these letters mean when they are taken for records, sections and values"},
-};
-
 }  // namespace
 
 std::string_view SampleContent() {
@@ -98,7 +92,6 @@ void AddContents(SeedFolder &folder) {
 }
 
 void AddDrawings(SeedFolder &folder) {
-  for (const Seed &seed : kDrawings) folder.Add(seed.name, seed.text);
   // A sheet, no options, and then runs of numbers that give records of every kind.
   for (unsigned seed = 1; seed <= 8; ++seed) {
     std::string bytes;
