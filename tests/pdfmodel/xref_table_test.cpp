@@ -46,5 +46,19 @@ TEST(XRefTable, ABlockWithFewerEntriesThanAnnouncedHidesOlderOnes) {
   EXPECT_EQ(copy.Find(6)->type, 'f');
 }
 
+TEST(XRefTable, NumbersAreGivenInTheOrderOfTheFile) {
+  PDFXRef table;
+  table.BeginSection(0);
+  EXPECT_EQ(table.Append(100, -1, 'n'), 1);
+  EXPECT_EQ(table.Find(1)->generation, 0u);
+  EXPECT_EQ(table.Find(2), nullptr);
+  EXPECT_EQ(table.Append(200, 0, 'n'), 2);
+  EXPECT_EQ(table.Find(2)->offset, 200u);  // seen although the block is an old one
+  table.BeginSection(10);
+  EXPECT_EQ(table.Append(300, 0, 'n'), 10);
+  table.Set(400, 77, 'n');  // a number that nobody holds goes to the end
+  EXPECT_EQ(table.HighestObject(), 11);
+}
+
 }  // namespace
 }  // namespace kapdf
