@@ -1,5 +1,6 @@
 // The metadata packet, and the rules of PDF/A-1b that can be checked without a validator.
 #include <algorithm>
+#include <cstdlib>
 
 #include "sheet.h"
 #include "support/opened_pdf.h"
@@ -62,11 +63,20 @@ TEST(PdfA, ThePacketToTheLetter) {
   EXPECT_EQ(crc32(0, reinterpret_cast<const Bytef *>(packet.data()), static_cast<uInt>(packet.size())), 2187999426u);
 }
 
+// The objects as qpdf tells them in JSON; where it is not at hand, the file itself.
+std::string ObjectsOf(const std::string &file) {
+  constexpr bool kLinux = std::filesystem::path::preferred_separator == '/';
+  if (!kLinux || std::getenv("KAPDF_NO_JUDGES")) return file;
+  EXPECT_EQ(std::system("qpdf --json sheet.pdf > objects.json 2> errors.txt"), 0);
+  std::ifstream json("objects.json", std::ios::binary);
+  return {std::istreambuf_iterator<char>(json), {}};
+}
+
 // What fails is told in docs/pdfa.md; both lists go together.
 TEST(PdfA, RulesThatHoldAndRulesThatDoNot) {
   const Workspace workspace;
-  const std::string file = WriteArchive(workspace), packet = PacketOf(file);
-  const auto has = [&](std::string_view text) { return file.find(text) != std::string::npos; };
+  const std::string file = WriteArchive(workspace), packet = PacketOf(file), objects = ObjectsOf(file);
+  const auto has = [&](const char *text) { return std::regex_search(objects, std::regex(text)); };
   const auto inPacket = [&](const std::string &text) { return packet.find(text) != std::string::npos; };
   const auto allStreams = [&](std::string_view wanted, std::string_view before) {
     for (size_t at = 0; (at = file.find(before, at)) != std::string::npos; at += before.size()) {
@@ -88,26 +98,29 @@ TEST(PdfA, RulesThatHoldAndRulesThatDoNot) {
       {"nothing behind the last %%EOF but a line end", true, file.ends_with("\r%%EOF\r")},
       {"no encryption", true, !has("/Encrypt")},
       {"no LZW", true, !has("/LZWDecode") && has("/DCTDecode")},
-      {"no transparency", true, !has("/Group") && !has("/ca ") && !has("/ExtGState") && !has("/SMask")},
+      {"no transparency", true, !has("/Group") && !has("/ca\\W") && !has("/ExtGState") && !has("/SMask")},
       {"no optional content", true, !has("/OCProperties") && !has("/OCG") && !has("/Properties")},
       {"no actions, files or annotations", true, !has("/Action") && !has("/EmbeddedFile") && !has("/Annots")},
-      {"no external or alternate image data", true, !has("/Alternates") && !has("/OPI") && !has("/Interpolate true")},
-      {"fonts are embedded", true, has("/FontFile2 ")},
-      {"metadata without a filter", true, has("/Metadata 3 0 R") && !has("/Subtype /XML\r/Filter")},
+      {"no external or alternate image data", true,
+       !has("/Alternates") && !has("/OPI") && !has("/Interpolate\\W+true")},
+      {"fonts are embedded", true, has("/FontFile2\\W+\\d+ 0 R")},
+      {"metadata without a filter", true,
+       has("/Metadata\\W+3 0 R") && !has("/Filter\\W+/\\w+\\W+(/\\w+\\W+\\d+\\W+)?/Subtype\\W+/XML")},
       {"the packet names part and level", true, inPacket("pdfaid:part>1<") && inPacket("conformance>B<")},
       {"the packet's head has no old attributes", true, !inPacket("bytes=") && !inPacket("encoding=")},
       {"title, subject, keywords and author are the same in both places", true,
-       has("/Title (sheet.pdf)") && inPacket(">sheet.pdf<") && has("/Subject (Houses)") && inPacket(">Houses<") &&
-           has("/Keywords (k1 k2)") && inPacket(">k1 k2<") && has("/Author (Ada)") && inPacket(">Ada<")},
+       has("/Title\\W+(u:)?sheet.pdf") && inPacket(">sheet.pdf<") && has("/Subject\\W+(u:)?Houses") &&
+           inPacket(">Houses<") && has("/Keywords\\W+(u:)?k1 k2") && inPacket(">k1 k2<") &&
+           has("/Author\\W+(u:)?Ada") && inPacket(">Ada<")},
       {"the keyword stream ends its line", true, allStreams("\r\n", "R\r>>\rstream") && allStreams("\r\n", ">stream")},
 
-      {"composite fonts name the map of their glyphs", false, !has("/CIDToGIDMap (Identity)")},
-      {"a cross-reference table", false, has("\rxref\r")},
-      {"a trailer with /ID", false, has("/ID")},
+      {"composite fonts name the map of their glyphs", false, has("/CIDToGIDMap\\W+/Identity")},
+      {"a cross-reference table", false, file.find("\rxref\r") != std::string::npos},
+      {"a trailer with /ID", false, has("/ID\\W")},
       {"an output intent for the device colours", false, !has("/DeviceRGB") || has("/OutputIntents")},
       {"the length of the metadata is that of its data", false, tail.substr(announced, 11) == "\n\rendstream"},
       {"a line end ahead of each endstream", false, allStreams("\r\n", "endstream")},
-      {"the dates are the same in both places", false, has("+02'00'")},
+      {"the dates are the same in both places", false, has("\\+02'00'")},
       {"keywords stand in the packet's own place for them", false, inPacket("pdf:Keywords")},
   };
   for (const auto &r : rules) EXPECT_EQ(r.is, r.expected) << r.rule;
