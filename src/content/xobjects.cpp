@@ -109,8 +109,7 @@ Flow Interpreter::DrawRaster(CPDFRasterObject &raster, std::string_view name, bo
   return Flow::kRecord;
 }
 
-// The corners go up by the height, but the fourth one's x is that of an image turned the other way. That shows on
-// turned images only.
+// Sized by the resolution of each direction, as it is on the page. The host gets one resolution, and the scales.
 Flow Interpreter::DrawSolid(const CPDFRasterObject &raster) {
   const Placement &placed = raster.placement();
   const ImageDescription image = raster.Describe();
@@ -119,7 +118,7 @@ Flow Interpreter::DrawSolid(const CPDFRasterObject &raster) {
   const double c = std::cos(placed.angle), s = std::sin(placed.angle);
   const double x1 = placed.x + width * c, y1 = placed.y + width * s;
   const double corners[] = {
-      placed.x, placed.y, x1, y1, x1 - height * s, y1 + height * c, placed.x + height * s, placed.y + height * c};
+      placed.x, placed.y, x1, y1, x1 - height * s, y1 + height * c, placed.x - height * s, placed.y + height * c};
   for (const double corner : corners) {
     if (!std::isfinite(corner)) return Flow::kNext;
   }

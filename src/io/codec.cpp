@@ -19,6 +19,16 @@ void CCompressionClass::GetInfo(char *buffer, size_t size) const {
 
 size_t CZVUncompressed::compress(const uint8_t *buffer, size_t count) { return io_.Write(buffer, count); }
 
-size_t CZVUncompressed::decompress(uint8_t *buffer, size_t count) { return io_.Read(buffer, count); }
+size_t CZVUncompressed::decompress(uint8_t *buffer, size_t count) {
+  if (length_ != 0) count = std::min(count, length_ - read_);
+  const size_t got = io_.Read(buffer, count);
+  read_ += got;
+  return got;
+}
+
+void CZVUncompressed::reset() {
+  CCompressionClass::reset();
+  read_ = 0;
+}
 
 }  // namespace kapdf

@@ -67,15 +67,19 @@ class CCompressionClass {
   unsigned state_ = kCodecOk;
 };
 
-// Pass-through, both ways.
+// Pass-through, both ways. Only the length ends what is read: behind the data stands the rest of the file.
 class CZVUncompressed final : public CCompressionClass {
  public:
   using CCompressionClass::CCompressionClass;
+  void reset() override;
 
  protected:
   size_t compress(const uint8_t *buffer, size_t count) override;
   size_t decompress(uint8_t *buffer, size_t count) override;
   std::string_view name() const override { return "Uncompressed"; }
+
+ private:
+  size_t read_ = 0;
 };
 
 }  // namespace kapdf

@@ -93,6 +93,7 @@ bool ImageCoding::ReadParameters(ObjectLocator &objects, const CPDFObject *param
   }
   if (!values) return true;
   if (filter == ImageFilter::kFlate) predictor = Integer(*values, "Predictor", 1);
+  // Without it, data that say 0 come out as rubbish.
   if (filter == ImageFilter::kLzw) earlyChange = Integer(*values, "EarlyChange", 1) != 0;
   if (filter == ImageFilter::kJBig2) {
     const auto *globals = values->GetAs<CPDFIndirectObject>("JBIG2Globals");

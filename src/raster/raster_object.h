@@ -110,6 +110,7 @@ class CPDFRasterObject final : public CPDFXObject {
   void ChooseMaskedKind();
   RasterKind KindOfSamples() const;
   bool HidesNothing();
+  bool RunsAreBlank() const;
   uint32_t Integer(const char *key, uint32_t otherwise) const;
 
   // Reading.

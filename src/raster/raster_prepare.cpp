@@ -10,6 +10,7 @@
 namespace kapdf {
 namespace {
 
+constexpr double kMillimetresPerInch = 25.4;
 constexpr uint32_t kSolidWidth = 500, kSolidHeight = 25;  // pixels; larger ones are never tested
 
 bool InBounds(uint32_t side) { return side >= 1 && side <= limits::kImageSide; }
@@ -50,7 +51,7 @@ bool CPDFRasterObject::PrepareContainer() {
   kind_ = codedKind_ = first.kind_;
   bitsPerComponent_ = first.bitsPerComponent_;
   components_ = first.components_;
-  invert_ = first.invert_;
+  invert_ = first.RunsAreBlank();
   palette_ = Copy(first.palette_);
   return InBounds(width_) && InBounds(height_);
 }
@@ -224,26 +225,31 @@ void CPDFRasterObject::ChooseMaskedKind() {
   }
 }
 
+// Of an image that is delivered as its mask the mask's own flags tell: its runs hide where both are equal.
+bool CPDFRasterObject::RunsAreBlank() const {
+  return mask_ && kind_ == RasterKind::kBilevel ? mask_->invert_ == mask_->imageMask_ : invert_;
+}
+
 ImageDescription CPDFRasterObject::Describe() const {
   ImageDescription description;
   description.width = width();
   description.height = height();
   description.dpi = isContainer() ? stripes_.front()->placement_.dpi : placement_.dpi;
-  description.invert = invert_;
+  description.invert = RunsAreBlank();
   description.kind = kind_;
   description.palette = Copy(palette_);
   return description;
 }
 
-// A turned image starts at its upper left corner. The distance is taken in pixels at the resolution, times 72, to the
-// millimetres of the position.
+// A turned image starts at its upper left corner, and its directions change places.
 void CPDFRasterObject::SetMatrix(const Affine &matrix) {
   matrix_ = matrix;
   const uint32_t width = mask_ ? mask_->width_ : width_, height = mask_ ? mask_->height_ : height_;
   placement_ = PlaceImage(matrix, width, height);
   if (!turned_) return;
-  const double y = placement_.y + placement_.scaleY * height / placement_.dpi * 72.0;
+  const double y = placement_.y + placement_.scaleY * height / placement_.dpi * kMillimetresPerInch;
   if (std::isfinite(y)) placement_.y = y;
+  std::swap(placement_.scaleX, placement_.scaleY);
   placement_.angle -= std::numbers::pi / 2;
 }
 
@@ -267,8 +273,8 @@ CPDFRasterObject::Solid CPDFRasterObject::TestSolid() {
     full = full && runs.CoversRow(description.width);
   }
   Rewind();
-  if (invert_ ? blank : full) solid_ = Solid::kSolid;
-  if (invert_ ? full : blank) solid_ = Solid::kBlank;
+  if (description.invert ? blank : full) solid_ = Solid::kSolid;
+  if (description.invert ? full : blank) solid_ = Solid::kBlank;
   return solid_;
 }
 

@@ -122,6 +122,7 @@ void CPDFRasterObject::FetchImageRow(uint32_t line) {
   }
 }
 
+// The mask's runs tell what is hidden, of palettes as of true colours: outside of them the image shows.
 size_t CPDFRasterObject::ReadMaskedLine(uint32_t line, uint8_t *row) {
   if (kind_ == RasterKind::kBilevel) return mask_->ReadLine(row);
   if (maskRow_.empty()) {

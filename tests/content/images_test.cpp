@@ -29,7 +29,8 @@ std::string DrawnWith(const std::vector<std::string> &streams, const std::string
        "<</A 100 0 R /B 101 0 R>>", "<</ca .5 /LW 1>>", Stream(form, "1 0 0 rg 0 0 1 1 re f"),
        Stream(form + "/Filter /No", "f"), "[/Indexed /DeviceRGB 3 <FF0000 00FF00 0000FF 000000>]",
        "[/ICCBased 113 0 R]", Stream("/Alternate /DeviceGray", "-"), Stream(two + " /Mask 115 0 R", "ef"),
-       "<</Broken true /R 107 0 R>>", Stream(form, "2 w q 3 w")})));
+       "<</Broken true /R 107 0 R>>", Stream(form, "2 w q 3 w"),
+       Stream(image + "/Width 1 /Height 4 /ImageMask true /BitsPerComponent 1", "\0\0\0\0"s)})));
 }
 
 struct Case {
@@ -44,7 +45,7 @@ TEST(XObjects, AreFoundEnteredAndAnnounced) {
   const std::string line = "line 256 w1 0,0 9,9";
   Check(
       "/XObject <</A 100 0 R /F 105 0 R /Q 116 0 R /Full 102 0 R /Blank 103 0 R /M 104 0 R /R 109 0 R /No 110 0 R "
-      "/P 114 0 R>> /ExtGState <</E 108 0 R>>",
+      "/P 114 0 R /T 117 0 R>> /ExtGState <</E 108 0 R>>",
       {{"q 72 0 0 36 5 6 cm /A Do Q", "A #100 5,6 0 o100 2x1@2 k1 | ab"},
        {"0 72 -72 0 5 6 cm /E gs /A Do", "A #100 5,6 90 o50 2x1@1 k1 | ab"},
        {"1 g /A Do /M Do", "A #100 0,0 0 o100 2x1@72 k1 | ab\nM #FF 0,0 0 o100 8x2@144 k0 inverted | 4-7 | 4-7"},
@@ -58,7 +59,9 @@ TEST(XObjects, AreFoundEnteredAndAnnounced) {
         "fill 256 w2 o50 10,20 10,22 12,22 12,20 10,20\n" +
             line},
        {"/Q Do 0 0 m 9 9 l S", "line 256 w2 0,0 9,9"},  // of what a form leaves open one state comes back
-       {"4 0 0 2 1 2 cm 1 g /Full Do /Blank Do", "fill 255 w0 o100 1,2 5,2 5,4 1,4"}});
+       {"4 0 0 2 1 2 cm 1 g /Full Do /Blank Do", "fill 255 w0 o100 1,2 5,2 5,4 1,4"},
+       {"0 4 -2 0 5 2 cm 1 g /Full Do", "fill 255 w0 o100 5,2 5,6 3,6 3,2"},
+       {"2 0 0 8 5 6 cm 1 g /T Do", "fill 255 w0 o100 5,14 5,6 7,6 7,14"}});  // one pixel wide: turned
 }
 
 TEST(XObjects, BehindAReferenceAreImagesOrStripes) {

@@ -54,6 +54,7 @@ std::string Shown(const std::string &entries, const std::string &data, bool jbig
           .Stream(24, image + fourByTwo + "/ColorSpace /DeviceGray /BitsPerComponent 1 /SMask 24 0 R", "\x50\xF0")
           .Stream(25, image + fourByTwo + "/ColorSpace /DeviceGray /BitsPerComponent 8", "\0\1\2\3\0\1\2\3"s)
           .Stream(26, image + "/Width 1 /Height 4 /ImageMask true /BitsPerComponent 1", "\x80\0\x80\0"s)
+          .Stream(27, image + fourByTwo + "/ImageMask true /BitsPerComponent 1 /Decode [1 0]", "\x50\xF0")
           .Object(30, "<</Predictor 2>>")
           .Object(32, "[<<>> 30 0 R]")
           .Object(33, "<</A 20 0 R /B 34 0 R>>")
@@ -89,6 +90,7 @@ TEST(Image, KindAndPolarityFollowFromTheDictionary) {
        {one + "/ColorSpace [/Indexed /DeviceGray 1 <FF00>]", bits, "4x2 k0 inverted" + runs},
        {one + "/ColorSpace [/ICCBased 99 0 R]", bits, "no"},
        {one + "/Filter /Fl", Deflate("\xA0"), "4x2 k0 | 0-0 2-2 |"},  // short of data
+       {one, "\xA0", "4x2 k0 | 0-0 2-2 |"},                           // and not what stands behind them
        {"/BitsPerComponent 8 /ColorSpace /DeviceGray", "abcdABCD", "4x2 k1 p010101 | abcd | ABCD"},
        {"/BitsPerComponent 8 /Filter /Fl", Deflate("abcdAB"), "4x2 k2 p800000 | abcd | AB0000"},
        {"/BitsPerComponent 4 /ColorSpace 11 0 R /Mask [1 2]", "\x01\x23\x32\x10",
@@ -138,7 +140,11 @@ TEST(Image, MasksChangeTheKind) {
               "8x4 k5 | abc00abc00def00def00ghiFFghiFFjklFFjklFF | abc00abc00def00def00ghi00ghi00jkl00jkl00"
               " | ABC00ABC00DEF00DEF00GHI00GHI00JKL00JKL00 | ABCFFABCFFDEFFFDEFFFGHIFFGHIFFJKLFFJKLFF"},
              {gray + "/Mask 21 0 R", "abcdABCD", "4x2 k2 p010101 x255 | aFFcFF | FFFFFFFF"},
-             {"/Width 4 /Height 2 /BitsPerComponent 1 /Mask 21 0 R", "\xFF\xFF", "4x2 k0 | 1-1 3-3 | 0-3"},
+             {"/Width 4 /Height 2 /BitsPerComponent 1 /Mask 21 0 R", "\xFF\xFF", "4x2 k0 inverted | 1-1 3-3 | 0-3"},
+             {"/Width 4 /Height 2 /ColorSpace /DeviceGray /BitsPerComponent 1 /Mask 27 0 R", "\xFF\xFF",
+              "4x2 k0 | 1-1 3-3 | 0-3"},
+             {"/Width 4 /Height 2 /BitsPerComponent 1 /ColorSpace /DeviceGray /SMask 24 0 R", "\xFF\xFF",
+              "4x2 k0 | 1-1 3-3 | 0-3"},
              {rgb + "/Mask 26 0 R", pixels, "1x4 k5 | abcFF | abc00 | ABCFF | ABC00"},
              {"/Width 1 /Height 3 /BitsPerComponent 1", "\x80\0\x80"s, "3x1 k0 | 0-0 2-2"}});  // turned
 }
@@ -180,6 +186,7 @@ std::string ShownSpace(const std::string &value) {
           .FlateStream(16, "", "abcdef")
           .Stream(17, "/FunctionType 0 /Size [2] /BitsPerSample 16 /Range [0 1 0 1 0 1 0 1]", "\xFF\1\2\3\x80\4\5\x80")
           .Stream(19, "/FunctionType 4", "{dup}")
+          .Stream(18, "", "abcdef")
           .FlateStream(21, "/FunctionType 0 /Size [2147483647 2147483647] /Range [0 1 0 1 0 1]", "abc")
           .Build());
   CPDFIndirectObject reference(pdf.file);
@@ -210,6 +217,8 @@ TEST(ColorSpace, TellsComponentsAndPalette) {
       {"[/Indexed 11 0 R 1 <FF00000080000080>]", "0 2: 00FFFF 3F7F7F 00FFFF"},
       {"[/Indexed [/ICCBased 15 0 R] 1 16 0 R]", "0 2: 616263 646566 616263"},  // three bytes, whatever the profile has
       {"[/Indexed /DeviceRGB 2 16 0 R]", "1"},                                  // a short table
+      {"[/Indexed /DeviceRGB 2 18 0 R]", "1"},
+      {"[/Indexed /DeviceRGB 1 18 0 R]", "0 2: 616263 646566 616263"},
       {"[/Indexed /DeviceGray 70000 <FEFF0102>]", "1 256: FEFEFE FFFFFF 010101 000000 FEFEFE"},
       {"[/Indexed /DeviceGray -5 <07>]", "1 1: 070707 070707"},
       {"[/Separation /Spot /DeviceCMYK 17 0 R]", "1 2: 00FBFA 3F7D7D 00FBFA"},
