@@ -120,7 +120,11 @@ void CPDFDictionary::ParseEntries() {
   CPDFNameObject key(*source_);
   for (;;) {
     uint8_t c = FirstByte(lastChar);
-    if (c == '%') c = lastChar = SkipComment(*source_);
+    // Any number of comments may stand ahead of the first key, one ahead of every other.
+    while (c == '%') {
+      c = lastChar = SkipComment(*source_);
+      if (!entries_.empty()) break;
+    }
     if (key.Parse(c) != 0) {
       lastChar = key.lastChar;
       return;

@@ -22,8 +22,8 @@ struct Georeference {
   std::optional<std::array<double, 6>> matrix;
 };
 
-// Nothing when the page has no such dictionary, in place, in an array or behind a reference. Entries of a wrong class
-// leave what they tell at its start value.
+// Nothing when the page has no such dictionary, in place, in an array or behind a reference. References to a system, to
+// a matrix and to numbers are followed. Entries of a wrong class leave what they tell at its start value.
 std::optional<Georeference> ReadGeoreference(ObjectLocator &objects, const CPDFDictionary &page);
 
 // How the sheet lies in the drawing.

@@ -37,6 +37,9 @@ std::string Told(const CoordinateSystemBlock &block) {
 std::string ReadFrom(const std::string &entries) {
   OpenedPdf pdf(PagesOf({""}, entries)
                     .Object(5, "<</Projection <</Type /Projection /Datum (NAS-C)>> >>")
+                    .Object(7, "<</Type /Projection /ProjectionType (MC) /FalseEasting 9 0 R>>")
+                    .Object(8, "[1 0 0 (1) 9 0 R 4]")
+                    .Object(9, "2.5")
                     .Object(6, "[<</Projection <</Type /Projection /Datum (EUR)>> >> <</CTM [1]>>]")
                     .Build());
   uint8_t firstChar;
@@ -51,8 +54,9 @@ std::string ReadFrom(const std::string &entries) {
 }
 
 // What is read, and from which entries of a page or, behind a colon, of its coordinate system.
-constexpr char kCases[] = R"(none <= /Rotate 90 | /LGIDict 7 | /LGIDict [] | /LGIDict [5 0 R] | /LGIDict 99 0 R
-860=6267 <= /LGIDict 5 0 R
+constexpr char kCases[] = R"(none <= /Rotate 90 | /LGIDict 7 | /LGIDict [] | /LGIDict [99 0 R] | /LGIDict 99 0 R
+860=6267 <= /LGIDict 5 0 R | /LGIDict [5 0 R 6 0 R]
+656=9804 860=6326 1512=5 1516=8801 1520=8802 1524=8805 1528=8806 1532=8807 1600=2.5 1 0 0 1 2.5 4 ctm <= /LGIDict <</Projection 7 0 R /CTM 8 0 R>> | /LGIDict <</Projection 99 0 R /Display 7 0 R /CTM 8 0 R>>
 860=6230 <= /LGIDict 6 0 R
 no system 2 0.5 0 -3 10 0 ctm <= /LGIDict [<</CTM [(2) 0.5 0 (-3) 10 (x)]>> <</CTM [9]>>]
 no system 7 0 0 0 0 0 ctm <= /LGIDict <</CTM [7 (1e999) /A]>>
