@@ -17,7 +17,7 @@ std::shared_ptr<const CPDFFontObject> FontCache::Get(int32_t objectNumber) {
   if (memory_ > limits::kFontMemory) return nullptr;
   auto font = std::make_shared<CPDFFontObject>();
   Entry entry;
-  if (FontLoader(objects_, settings_, encodings_, streamBytes_, *font).Load(objectNumber)) {
+  if (FontLoader(objects_, settings_, encodings_, families_, streamBytes_, *font).Load(objectNumber)) {
     entry.memory = font->MemoryUsed();
     entry.font = std::move(font);
     memory_ += entry.memory;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <unordered_map>
 
+#include "fonts/document_families.h"
 #include "fonts/encoding_folder.h"
 #include "fonts/font_object.h"
 #include "pdfmodel/locator.h"
@@ -37,6 +38,7 @@ class FontCache {
   ObjectLocator &objects_;
   FontSettings settings_;
   EncodingFolder encodings_;
+  DocumentFamilies families_;
   std::unordered_map<int32_t, Entry> fonts_;
   size_t memory_ = 0;
   int64_t streamBytes_;  // that may still be decoded

@@ -72,9 +72,11 @@ bool FontLoader::FillMapping(FontProgram &program, uint8_t *mapping) {
     std::memcpy(mapping, cids_->data(), sizeof *cids_);
     return true;
   }
+  // Glyphs go by CID. Where the codes of text are no CIDs, the collection knows the characters of these.
+  const CodeTable &characters = collection_ ? *collection_ : *font_.unicode_;
   const ByteBuffer &glyphs = font_.cidToGid_;
   for (uint32_t code = 0; code < kCodes; ++code) {
-    const uint16_t unit = (*font_.unicode_)[code];
+    const uint16_t unit = characters[code];
     if (unit == kNoTarget) continue;
     if (glyphs.empty())
       SetGlyph(mapping, unit, NamedGlyph(program, code));

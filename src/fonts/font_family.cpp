@@ -1,8 +1,8 @@
 // Which family of the system stands for a font of the document, and how its letters are built.
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
-#include "base/ascii.h"
 #include "fonts/font_loader.h"
 #include "platform/system_fonts.h"
 #include "platform/text.h"
@@ -13,33 +13,7 @@ namespace {
 constexpr size_t kTagBytes = 6;  // of a subset, ahead of its plus sign
 constexpr int32_t kUsualCapHeight = 716;
 constexpr int32_t kLookPixels = 1000;
-constexpr int32_t kLeastPixels = 1;
 constexpr int32_t kMostPixels = 16384;
-
-struct Family {
-  std::u16string name;
-  std::string narrow;
-  bool italic;  // begins with that word
-};
-
-bool BeginsWithItalic(std::string_view name) {
-  constexpr std::string_view kItalic = "italic";
-  return name.size() >= kItalic.size() &&
-         std::equal(kItalic.begin(), kItalic.end(), name.begin(), [](char a, char b) { return a == (b | 0x20); });
-}
-
-const std::vector<Family> &Families() {
-  static const std::vector<Family> families = [] {
-    std::vector<Family> list;
-    for (const std::u16string &name : platform::TrueTypeFamilies()) {
-      std::string narrow = platform::ToNarrow(name, platform::kSystemCodePage);
-      const bool italic = BeginsWithItalic(narrow);
-      list.push_back({name, std::move(narrow), italic});
-    }
-    return list;
-  }();
-  return families;
-}
 
 bool HasTag(std::string_view name) { return name.size() > kTagBytes && name[kTagBytes] == '+'; }
 std::string_view WithoutTag(std::string_view name) { return HasTag(name) ? name.substr(kTagBytes + 1) : name; }
@@ -53,6 +27,13 @@ std::string WithSeparator(std::string_view family, std::string_view separator) {
       copy += c;
   }
   return copy;
+}
+
+// The size for a cap height that a document tells. Some programs write 0, fractions of an em or negative numbers, which
+// stand for a size as well.
+int32_t EmPixels(int32_t capHeight) {
+  const int64_t size = std::abs(int64_t{capHeight});
+  return size < 1 ? kLookPixels : static_cast<int32_t>(std::min<int64_t>(size, kMostPixels));
 }
 
 double RatioOr(double ratio, double fallback) { return std::isfinite(ratio) && ratio > 0.0 ? ratio : fallback; }
@@ -76,7 +57,7 @@ void FontLoader::FindFamily() {
 }
 
 bool FontLoader::MatchFamily(std::string_view name, std::string_view separator) {
-  for (const Family &family : Families()) {
+  for (const DocumentFamilies::Family &family : families_.List()) {
     if (family.italic && !BeginsWithItalic(WithoutTag(baseFont_))) continue;  // it would match the word for a style
     if (name.find(WithSeparator(family.narrow, separator)) == std::string_view::npos) continue;
     font_.familyName_ = family.name;
@@ -87,7 +68,7 @@ bool FontLoader::MatchFamily(std::string_view name, std::string_view separator) 
 }
 
 void FontLoader::TakeLook(const std::u16string &family, int32_t emPixels) {
-  const auto font = platform::SystemFont::Open({family, std::clamp(emPixels, kLeastPixels, kMostPixels)});
+  const auto font = platform::SystemFont::Open({family, emPixels});
   if (!font) return;
   const platform::FontMetrics metrics = font->Metrics();
   platform::GlyphBox letter;
@@ -103,11 +84,11 @@ void FontLoader::TakeLook(const std::u16string &family, int32_t emPixels) {
 }
 
 void FontLoader::FindByPostScriptName() {
-  const std::u16string family = platform::FamilyOfPostScriptName(platform::ToWide(face_, platform::kSystemCodePage));
+  const std::u16string family = families_.OfPostScriptName(platform::ToWide(face_, platform::kSystemCodePage));
   if (family.empty()) return;
   face_ = platform::ToNarrow(family, platform::kSystemCodePage);
   font_.familyName_ = family;
-  TakeLook(family, font_.look_.height);
+  TakeLook(family, EmPixels(font_.look_.height));
 }
 
 }  // namespace kapdf

@@ -45,8 +45,10 @@ bool FontLoader::Load(int32_t objectNumber) {
   font_.objectNumber = objectNumber;
   dictionary_ = dynamic_cast<const CPDFDictionary *>(own_.get());
   if (dictionary_ && !IsFont()) return false;
-  face_ = "Arial";
-  if (dictionary_) ReadParts();
+  if (dictionary_) {
+    face_ = "Arial";
+    ReadParts();
+  }
   Define();
   return true;
 }
@@ -73,9 +75,9 @@ void FontLoader::ReadParts() {
   const bool glyphProcedures = kind && kind->name == "Type3";
   if (!GoToDescendant()) return;
   ReadSimpleWidths(glyphProcedures);
+  ReadCharacterCollection();
   ReadCidWidths();
   ReadCidToGid();
-  ReadCharacterCollection();
   ReadDescriptor();
   if (!embedded_ && !baseFont_.empty()) FindByPostScriptName();
   // The mapping data behind the program took its place.
@@ -171,7 +173,9 @@ void FontLoader::ReadCidToGid() {
   font_.cidToGid_.ShrinkToFit();
 }
 
-// The map of the collection goes from its CIDs; with the encoding's own way from codes to CIDs it goes from codes.
+// The map of the collection starts from CIDs. An encoding that is not the identity has a way of its own from codes to
+// them: characters take it, and the widths of composite fonts, which are told by CID. Without it such text would be
+// other characters than its reader sees.
 void FontLoader::ReadCharacterCollection() {
   std::unique_ptr<CPDFObject> fetched, fetchedOrdering;
   const auto *info = row_ >= 0 ? Value<CPDFDictionary>("CIDSystemInfo", fetched) : nullptr;
@@ -181,11 +185,11 @@ void FontLoader::ReadCharacterCollection() {
   const std::string_view file = UnicodeMapFor(CMapNameAt(row_), ordering->bytes);
   const EncodingFolder::Encoding *map = file.empty() ? nullptr : encodings_.Find(file);
   if (!map) return;
-  // Bytes of a code page fall into characters as its encoding tells, not as the CIDs do.
+  // Only composite fonts take over how CIDs stand in bytes. Bytes of a code page fall into characters as its encoding
+  // tells.
   if (font_.composite_) font_.codeSpaces_ = map->codeSpaces;
   if (!map->table) return;
-  font_.unicode_ = map->table;
-  // The map starts from CIDs. An encoding that is not the identity has a way of its own from codes to them.
+  font_.unicode_ = collection_ = map->table;
   const EncodingFolder::Encoding *encoding =
       CMapNameAt(row_).unicodeMap.empty() ? nullptr : encodings_.Find(CMapNameAt(row_).name);
   if (!encoding || !encoding->table) return;
@@ -195,6 +199,7 @@ void FontLoader::ReadCharacterCollection() {
     if (cid != kNoTarget) (*composed)[code] = (*map->table)[cid];
   }
   font_.unicode_ = std::move(composed);
+  if (font_.composite_) cidOfCode_ = encoding->table;
 }
 
 void FontLoader::Define() {

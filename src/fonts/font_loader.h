@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "fonts/document_families.h"
 #include "fonts/encoding_folder.h"
 #include "fonts/font_cache.h"
 #include "fonts/font_object.h"
@@ -17,9 +18,14 @@ namespace kapdf {
 // For one font. What is missing or damaged leaves the font with what it had.
 class FontLoader {
  public:
-  FontLoader(ObjectLocator &objects, const FontSettings &settings, EncodingFolder &encodings, int64_t &streamBytes,
-             CPDFFontObject &font)
-      : objects_(objects), settings_(settings), encodings_(encodings), streamBytes_(streamBytes), font_(font) {}
+  FontLoader(ObjectLocator &objects, const FontSettings &settings, EncodingFolder &encodings,
+             DocumentFamilies &families, int64_t &streamBytes, CPDFFontObject &font)
+      : objects_(objects),
+        settings_(settings),
+        encodings_(encodings),
+        families_(families),
+        streamBytes_(streamBytes),
+        font_(font) {}
 
   // False for a dictionary that is no font, and when there is no such object. An object that is no dictionary is an
   // empty font.
@@ -37,6 +43,7 @@ class FontLoader {
   bool GoToDescendant();
   void ReadSimpleWidths(bool glyphProcedures);
   void ReadCidWidths();
+  void MapWidthsToCodes();
   void SetWidths(int64_t first, int64_t last, double width);
   void ReadCidToGid();
   void ReadCharacterCollection();
@@ -70,6 +77,7 @@ class FontLoader {
   ObjectLocator &objects_;
   const FontSettings &settings_;
   EncodingFolder &encodings_;
+  DocumentFamilies &families_;
   int64_t &streamBytes_;  // that the document may still have decoded for its fonts
   CPDFFontObject &font_;
 
@@ -81,9 +89,11 @@ class FontLoader {
   bool matched_ = false;   // with a family of the system
   bool embedded_ = false;  // the program is a font and stays
   bool toUnicode_ = false;
-  int row_ = -1;             // of the table of encodings
-  std::string_view prefix_;  // of numbered glyph names in Differences
-  std::shared_ptr<const CodeTable> cids_;
+  int row_ = -1;                                 // of the table of encodings
+  std::string_view prefix_;                      // of numbered glyph names in Differences
+  std::shared_ptr<const CodeTable> cids_;        // of a predefined encoding's codes
+  std::shared_ptr<const CodeTable> collection_;  // from CIDs to Unicode
+  std::shared_ptr<const CodeTable> cidOfCode_;   // where characters and widths go through it
   int64_t widthsSet_ = 0;
 };
 

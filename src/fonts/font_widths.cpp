@@ -64,6 +64,20 @@ void FontLoader::ReadCidWidths() {
     const auto width = Number(widths->GetAt(i++));
     if (last && width) SetWidths(first, TruncateToInteger(*last), *width / kUnitsPerEm);
   }
+  if (cidOfCode_) MapWidthsToCodes();
+}
+
+// A code without a CID has the width of the first one, which stands for missing characters.
+void FontLoader::MapWidthsToCodes() {
+  std::vector<double> byCode;
+  for (uint32_t code = 0; code < kCodes; ++code) {
+    const uint16_t cid = (*cidOfCode_)[code];
+    const double width = font_.Width(cid == kNoTarget ? 0 : cid);
+    if (width == font_.widthBeyond_) continue;
+    byCode.resize(code + 1, font_.widthBeyond_);
+    byCode[code] = width;
+  }
+  font_.widths_ = std::move(byCode);
 }
 
 // Of the codes from first to last, as far as they are in the table. It has the places that were set.

@@ -12,12 +12,20 @@
 
 namespace kapdf::platform {
 
-// Names of the families with TrueType outlines, the longest first. Found out once per process; empty without fonts.
-const std::vector<std::u16string> &TrueTypeFamilies();
+// The families that the system has at one time. A list never changes: hold it for as long as one answer shall count,
+// for instance for a document.
+class FontFamilies {
+ public:
+  // As they are now. As long as nothing was installed or removed it is the list of the last call, with what was found
+  // out for it. For any thread.
+  static std::shared_ptr<const FontFamilies> Now();
+  virtual ~FontFamilies() = default;
 
-// The family whose upright font of ordinary weight has this PostScript name; empty for none. The fonts are looked at
-// once per process.
-std::u16string FamilyOfPostScriptName(std::u16string_view name);
+  // Names of those with TrueType outlines, the longest first; empty without fonts.
+  virtual const std::vector<std::u16string> &TrueType() const = 0;
+  // The family whose upright font of ordinary weight has this PostScript name; empty for none.
+  virtual std::u16string OfPostScriptName(std::u16string_view name) const = 0;
+};
 
 // In pixels at the size that was asked for: with 1000 to the em, thousandths of it.
 struct FontMetrics {

@@ -49,6 +49,19 @@ std::string Describe(const CPDFFontObject &font) {
 // A document with the font as object 10 and what it refers to, read with an encoding folder of this test.
 class FontTest : public testing::Test {
  protected:
+  // "KapdfFamily", whose PostScript name is another one.
+  static void SetUpTestSuite() {
+    const auto wide = [](std::string_view text) {
+      std::string bytes;
+      for (const char c : text) bytes += {'\0', c};
+      return bytes;
+    };
+    std::string font = test::BuildFont("KapdfFamily", u"AB");
+    const std::string family = wide("KapdfFamily");
+    font.replace(font.rfind(family), family.size(), wide("KapdfOfName"));
+    test::InstallFont("family.ttf", font);
+  }
+
   FontTest() {
     std::filesystem::create_directory("encoding");
     std::ofstream("encoding/Identity-H") << "1 begincodespacerange\n<0000> <FFFF>\n1 begincidrange\n<0000> <FFFF> 0\n";
@@ -84,7 +97,7 @@ TEST_F(FontTest, Dictionaries) {
     std::string_view font, expected;
   } cases[] = {
       {"<</Type/Nothing>>", "Arial 0 -1 [0-ff ] c"},
-      {"42", "Arial 0 -1 [] c"},
+      {"42", " 0 -1 [] c"},
       {"<</Subtype/Type1 /BaseFont/Zq,Bold /Encoding/WinAnsiEncoding>>", "Zq 1 0 [0-ff ] c"},
       {"<</Subtype/Type1 /BaseFont/ABCDEF+Zq,BoldItalic /Encoding/Winansi>>", "Zq 3 -1 [0-ff ] c"},
       {"<</Type/Font /BaseFont/Zq,Bold,x /FirstChar 65 /LastChar 0 /Widths [250.9 -10 /x 1]>>",
@@ -107,7 +120,7 @@ TEST_F(FontTest, Dictionaries) {
       {"<</Type/Font /Encoding/90ms-RKSJ-H /DescendantFonts [12 0 R]>>",
        "Arial 0 932 [0-80 8140-9ffc ] w 500 0-1=125 2-fffe=250 c"},
       {"<</Type/Font /Encoding/UniJIS-UCS2-H /DescendantFonts [12 0 R] /ToUnicode 99 0 R>>",
-       "Arial 0 0 2 [0-fffe ] w 500 0-1=125 2-fffe=250 c 4e00=3042"},
+       "Arial 0 0 2 [0-fffe ] w 125 4e00-4e00=250 c 4e00=3042"},
       {"<</Type/Font /Encoding/Identity-H /DescendantFonts [<</CIDSystemInfo <</Ordering (JAPAN1)>> >>]>>",
        "Arial 0 0 2 [0-ffff ] c"},
       {"<</Type/Font /Encoding/Identity-H /DescendantFonts [<</CIDSystemInfo <</Ordering (Japan1)>> >>]>>",
@@ -130,6 +143,9 @@ TEST_F(FontTest, Programs) {
   ASSERT_EQ(font.size() % 2, 0u);
   builder_.Stream(21, "", "1 begincodespacerange\n<00> <FF>\n1 beginbfrange\n<01> <02> <0061>\n")
       .Stream(22, "", "\0\0\0\2\0\1"s)
+      .Stream(23, "", "\0\0\0\0\0\0\0\0\0\0\0\3"s)
+      .Object(61, "<</CIDSystemInfo <</Ordering (Japan1)>> /FontDescriptor 42 0 R>>")
+      .Object(62, "<</CIDSystemInfo <</Ordering (Japan1)>> /FontDescriptor 42 0 R /CIDToGIDMap 23 0 R>>")
       .Stream(31, "", font)
       .Stream(32, "", font + '\0')
       .Stream(33, "", TrueTypeFont(test::Cmap(false)) + '\0')
@@ -143,24 +159,27 @@ TEST_F(FontTest, Programs) {
   const auto even = static_cast<uint32_t>(font.size());
   const uint32_t marked = (even + 2) | CPDFFontObject::kMappingMark;
   const auto oneMap = static_cast<uint32_t>(TrueTypeFont(test::Cmap(false)).size()) + 1;
-  // `glyphs`: what the mapping data tell for "a" and "b".
+  // `glyphs`: what the mapping data tell for "a" and "b", and for the character of the collection.
   const struct {
     std::string_view font;
     bool useUnicodeMap;
     uint32_t size;
-    int glyphs[2];
+    int glyphs[3];
     std::string_view characters;
   } cases[] = {
-      {"/ToUnicode 21 0 R /FontDescriptor 41 0 R", true, even, {-1, -1}, " c 1=61 2=62"},
-      {"/ToUnicode 21 0 R /FontDescriptor 42 0 R", true, marked, {1, 2}, " c 1=61 2=62"},
-      {"/ToUnicode 21 0 R /FontDescriptor 42 0 R", false, even + 2, {-1, -1}, " c"},
-      {"/ToUnicode 21 0 R /FontDescriptor 41 0 R", false, even, {-1, -1}, " c 1=61 2=62"},
-      {"/ToUnicode 21 0 R /FontDescriptor 43 0 R", true, oneMap, {-1, -1}, " c 1=61 2=62"},
-      {"/ToUnicode 21 0 R /DescendantFonts [52 0 R]", true, marked, {2, 1}, " c 1=61 2=62"},
-      {"/Encoding/Identity-H /FontDescriptor 41 0 R", true, even, {-1, -1}, " c 1=41 2=42"},
-      {"/Encoding/Identity-H /DescendantFonts [51 0 R]", true, even, {-1, -1}, " c 1=42 2=41"},
-      {"/Encoding/WinAnsiEncoding /FontDescriptor 41 0 R", true, even, {-1, -1}, " c"},
-      {"/Encoding/Identity-H /FontDescriptor 44 0 R", true, 7, {-1, -1}, " c"},
+      {"/ToUnicode 21 0 R /FontDescriptor 41 0 R", true, even, {-1}, " c 1=61 2=62"},
+      {"/ToUnicode 21 0 R /FontDescriptor 42 0 R", true, marked, {1, 2, 0}, " c 1=61 2=62"},
+      {"/ToUnicode 21 0 R /FontDescriptor 42 0 R", false, even + 2, {-1}, " c"},
+      {"/ToUnicode 21 0 R /FontDescriptor 41 0 R", false, even, {-1}, " c 1=61 2=62"},
+      {"/ToUnicode 21 0 R /FontDescriptor 43 0 R", true, oneMap, {-1}, " c 1=61 2=62"},
+      {"/ToUnicode 21 0 R /DescendantFonts [52 0 R]", true, marked, {2, 1, 0}, " c 1=61 2=62"},
+      {"/Encoding/Identity-H /FontDescriptor 41 0 R", true, even, {-1}, " c 1=41 2=42"},
+      {"/Encoding/Identity-H /DescendantFonts [51 0 R]", true, even, {-1}, " c 1=42 2=41"},
+      {"/Encoding/90ms-RKSJ-H /DescendantFonts [61 0 R]", true, marked, {0, 0, 5}, " c"},
+      {"/Encoding/UniJIS-UCS2-H /DescendantFonts [61 0 R]", true, marked, {0, 0, 5}, " c 4e00=3042"},
+      {"/Encoding/90ms-RKSJ-H /DescendantFonts [62 0 R]", true, marked, {0, 0, 3}, " c"},
+      {"/Encoding/WinAnsiEncoding /FontDescriptor 41 0 R", true, even, {-1}, " c"},
+      {"/Encoding/Identity-H /FontDescriptor 44 0 R", true, 7, {-1}, " c"},
   };
   for (const auto &c : cases) {
     FontSettings settings;
@@ -177,18 +196,19 @@ TEST_F(FontTest, Programs) {
     const auto *bytes = static_cast<const uint8_t *>(loaded->definition());
     const auto block = LoadAs<FontDefPayload>(bytes);
     EXPECT_EQ(std::u16string(block.styleName), u"Zq");
-    EXPECT_EQ(block.charsetAndCodePage, (loaded->codePage() < 0 ? 1250u << 16 : 0) | CPDFFontObject::kItalic);
+    const int page = loaded->codePage() < 0 ? 1250 : loaded->codePage();
+    EXPECT_EQ(block.charsetAndCodePage, static_cast<uint32_t>(page) << 16 | CPDFFontObject::kItalic);
     EXPECT_EQ(std::memcmp(bytes + 64, c.size == 7 ? "no font" : font.data(), 7), 0);
     if (c.glyphs[0] < 0) continue;
     const uint8_t *mapping = bytes + 64 + (c.size & ~CPDFFontObject::kMappingMark);
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(LoadAs<uint16_t>(mapping + 2 * ('a' + i)), c.glyphs[i]) << c.font;
+    for (int i = 0; i < 3; ++i)
+      EXPECT_EQ(LoadAs<uint16_t>(mapping + 2 * (i < 2 ? 'a' + i : 0x3042)), c.glyphs[i]) << c.font;
   }
   ASSERT_TRUE(Load("<</Type/Font /Encoding/Identity-H /FontDescriptor 45 0 R>>")) << "a program that is cut off";
 }
 
 TEST_F(FontTest, FamiliesOfTheSystem) {
-  if (platform::TrueTypeFamilies().empty()) GTEST_SKIP() << "no TrueType font on this machine";
-  const std::u16string family = platform::TrueTypeFamilies().front();  // the longest is found first
+  const std::u16string family = platform::FontFamilies::Now()->TrueType().front();  // the longest is found first
   std::string name = platform::ToNarrow(family, 0);
   std::replace(name.begin(), name.end(), ' ', '_');
   builder_.Object(41, "<</FontFile2 31 0 R>>").Stream(31, "", TrueTypeFont());
@@ -202,6 +222,16 @@ TEST_F(FontTest, FamiliesOfTheSystem) {
     EXPECT_EQ(font->familyName(), embeds ? u"" : family) << "the program's own";
     EXPECT_EQ(font->look().height, font->look().ascent + font->look().descent);
     EXPECT_GT(font->look().ascent, 0);
+  }
+}
+
+TEST_F(FontTest, PostScriptNamesOfTheSystem) {
+  for (const char *capHeight : {"716", "0", "-34", "0.7", "-0.5"}) {
+    builder_.Object(41, "<</CapHeight " + std::string(capHeight) + ">>");
+    const auto font = Load("<</Type/Font /BaseFont/KapdfOfName /FontDescriptor 41 0 R>>");
+    ASSERT_TRUE(font);
+    EXPECT_EQ(font->faceName(), u"KapdfFamily");
+    EXPECT_NEAR(font->look().heightRatio, 1000 / 700.0, 0.02) << capHeight;
   }
 }
 

@@ -3,21 +3,47 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 
 #include "platform/font_name_table.h"
+#include "support/font_builder.h"
 
 namespace kapdf::platform {
 namespace {
 
 using namespace std::string_literals;
 
-TEST(SystemFonts, FamiliesAndWhatTheyTell) {
-  const auto &families = TrueTypeFamilies();
+class SystemFonts : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    std::filesystem::remove("late.ttf");
+    test::InstallFont("early.ttf", test::BuildFont("KapdfEarly", u"AZ"));
+  }
+};
+
+TEST_F(SystemFonts, AreFoundWhenTheyComeLater) {
+  const auto before = FontFamilies::Now();
+  const auto find = [](const FontFamilies &families, std::u16string_view name) {
+    return std::ranges::count(families.TrueType(), name);
+  };
+  EXPECT_EQ(find(*before, u"KapdfEarly"), 1);
+  EXPECT_EQ(FontFamilies::Now(), before);
+  EXPECT_EQ(before->OfPostScriptName(u"KapdfLate"), u"");
+  test::InstallFont("late.ttf", test::BuildFont("KapdfLate", u"AZ"));
+  const auto after = FontFamilies::Now();
+  EXPECT_EQ(find(*after, u"KapdfLate"), 1);
+  EXPECT_EQ(after->OfPostScriptName(u"KapdfLate"), u"KapdfLate");
+  EXPECT_EQ(SystemFont::Open({u"KapdfLate"})->FaceName(), u"KapdfLate");
+  EXPECT_EQ(find(*before, u"KapdfLate"), 0) << "who holds a list goes on with it";
+}
+
+TEST_F(SystemFonts, FamiliesAndWhatTheyTell) {
+  const auto now = FontFamilies::Now();
+  const auto &families = now->TrueType();
   for (size_t i = 0; i + 1 < families.size(); ++i) EXPECT_GE(families[i].size(), families[i + 1].size());
-  EXPECT_EQ(FamilyOfPostScriptName(u"no such font"), u"");
-  EXPECT_EQ(FamilyOfPostScriptName(u""), u"");
+  EXPECT_EQ(now->OfPostScriptName(u"no such font"), u"");
+  EXPECT_EQ(now->OfPostScriptName(u""), u"");
   const auto substitute = SystemFont::Open({u"no such font"});
-  if (families.empty()) GTEST_SKIP() << "no TrueType font on this machine";
   EXPECT_TRUE(substitute);
   for (size_t i = 0; i < std::min<size_t>(families.size(), 5); ++i) {
     const auto font = SystemFont::Open({families[i], 2000});
@@ -40,11 +66,11 @@ TEST(SystemFonts, FamiliesAndWhatTheyTell) {
     EXPECT_TRUE(font->Table("none").empty());
     const auto names = PostScriptNames(font->Table("name").span());
     ASSERT_FALSE(names.empty());
-    EXPECT_EQ(FamilyOfPostScriptName(names.front()), families[i]);
+    EXPECT_EQ(now->OfPostScriptName(names.front()), families[i]);
   }
 }
 
-TEST(SystemFonts, PostScriptNames) {
+TEST_F(SystemFonts, PostScriptNames) {
   const auto record = [](int platform, int id, int length, int offset) {
     std::string bytes;
     for (const int value : {platform, 0, 0, id, length, offset})

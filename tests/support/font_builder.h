@@ -18,8 +18,8 @@ std::string Sfnt(const std::vector<std::pair<std::string, std::string>> &tables,
 // characters.
 std::string BuildFont(const std::string &family, std::u16string_view characters, size_t base = 0, bool varies = false);
 
-// Writes the fonts to files in the current folder and makes the font system know them, besides its own. Must come
-// before the font system's first use.
+// Writes the font to a file in the current folder and makes the font system know it, besides its own. The first one must
+// come before the font system's first use.
 void InstallFont(const std::string &fileName, const std::string &bytes);
 
 }  // namespace kapdf::test

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <functional>
 #include <map>
+#include <mutex>
 
 #include "base/bytes.h"
 #include "base/limits.h"
@@ -187,38 +188,51 @@ ByteBuffer FreeTypeFont::Table(std::string_view tag) {
   return LoadTable(number);
 }
 
-}  // namespace
+class ListedFamilies final : public FontFamilies {
+ public:
+  explicit ListedFamilies(std::shared_ptr<const FontList> fonts);
 
-const std::vector<std::u16string> &TrueTypeFamilies() {
-  static const std::vector<std::u16string> names = [] {
-    std::vector<std::u16string> list;
-    for (const FontFace &face : FontFaces())
-      if (face.trueType && (list.empty() || list.back() != face.family)) list.push_back(face.family);
-    std::ranges::stable_sort(list, std::greater(), &std::u16string::size);
-    return list;
-  }();
-  return names;
+  const std::shared_ptr<const FontList> &fonts() const { return fonts_; }
+  const std::vector<std::u16string> &TrueType() const override { return trueType_; }
+  std::u16string OfPostScriptName(std::u16string_view name) const override {
+    const auto found = byPostScriptName_.find(name);
+    return found == byPostScriptName_.end() || name.empty() ? std::u16string() : found->second;
+  }
+
+ private:
+  std::shared_ptr<const FontList> fonts_;
+  std::vector<std::u16string> trueType_;
+  std::map<std::u16string, std::u16string, std::less<>> byPostScriptName_;
+};
+
+ListedFamilies::ListedFamilies(std::shared_ptr<const FontList> fonts) : fonts_(std::move(fonts)) {
+  const auto &faces = fonts_->faces;
+  for (const FontFace &face : faces)
+    if (face.trueType && (trueType_.empty() || trueType_.back() != face.family)) trueType_.push_back(face.family);
+  std::ranges::stable_sort(trueType_, std::greater(), &std::u16string::size);
+  for (auto first = faces.begin(); first != faces.end();) {
+    auto best = first;
+    const std::u16string &family = first->family;
+    for (; first != faces.end() && first->family == family; ++first)
+      if (StyleDistance(*first, false, false) < StyleDistance(*best, false, false)) best = first;
+    byPostScriptName_.try_emplace(FromUtf8(best->postScriptName), best->family);
+  }
 }
 
-std::u16string FamilyOfPostScriptName(std::u16string_view name) {
-  static const auto names = [] {
-    std::map<std::u16string, std::u16string, std::less<>> found;
-    const auto &faces = FontFaces();
-    for (auto first = faces.begin(); first != faces.end();) {
-      auto best = first;
-      const std::u16string &family = first->family;
-      for (; first != faces.end() && first->family == family; ++first)
-        if (StyleDistance(*first, false, false) < StyleDistance(*best, false, false)) best = first;
-      found.try_emplace(FromUtf8(best->postScriptName), best->family);
-    }
-    return found;
-  }();
-  const auto found = names.find(name);
-  return found == names.end() || name.empty() ? std::u16string() : found->second;
+}  // namespace
+
+std::shared_ptr<const FontFamilies> FontFamilies::Now() {
+  static std::mutex mutex;
+  static std::shared_ptr<const ListedFamilies> latest;
+  auto fonts = CurrentFonts();
+  const std::lock_guard lock(mutex);
+  if (!latest || latest->fonts() != fonts) latest = std::make_shared<ListedFamilies>(std::move(fonts));
+  return latest;
 }
 
 std::unique_ptr<SystemFont> SystemFont::Open(const Request &request) {
-  const FontFace *face = FindFace(request.family, request.bold, request.italic);
+  const auto fonts = CurrentFonts();
+  const FontFace *face = FindFace(*fonts, request.family, request.bold, request.italic);
   auto font = std::make_unique<FreeTypeFont>();
   if (!face || !font->OpenFile(*face, request.emPixels)) return nullptr;
   return font;

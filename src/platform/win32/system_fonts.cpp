@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <mutex>
 
 #include "base/bytes.h"
 #include "base/limits.h"
@@ -61,14 +62,11 @@ int CALLBACK CollectFamily(const LOGFONTW *font, const TEXTMETRICW *, DWORD type
   return 1;
 }
 
-const std::vector<Family> &Families() {
-  static const std::vector<Family> families = [] {
-    std::vector<Family> list;
-    const Canvas canvas;
-    EnumFontFamiliesW(canvas.context(), nullptr, CollectFamily, reinterpret_cast<LPARAM>(&list));
-    return list;
-  }();
-  return families;
+std::vector<Family> ListFamilies() {
+  std::vector<Family> list;
+  const Canvas canvas;
+  EnumFontFamiliesW(canvas.context(), nullptr, CollectFamily, reinterpret_cast<LPARAM>(&list));
+  return list;
 }
 
 // GDI takes the bytes of a tag in memory order.
@@ -187,37 +185,59 @@ class GdiFont final : public SystemFont {
   Canvas canvas_;
 };
 
-std::map<std::u16string, std::u16string, std::less<>> ReadPostScriptNames() {
-  std::map<std::u16string, std::u16string, std::less<>> found;
+// To list the families is cheap, to open each of them for its PostScript name is not: that waits until it is asked for.
+class ListedFamilies final : public FontFamilies {
+ public:
+  explicit ListedFamilies(std::vector<Family> families);
+
+  bool IsSame(const std::vector<Family> &families) const {
+    return std::ranges::equal(families_, families, [](const Family &a, const Family &b) {
+      return a.trueType == b.trueType && std::wstring_view(a.font.lfFaceName) == b.font.lfFaceName;
+    });
+  }
+  const std::vector<std::u16string> &TrueType() const override { return trueType_; }
+  std::u16string OfPostScriptName(std::u16string_view name) const override {
+    std::call_once(namesRead_, [this] { ReadPostScriptNames(); });
+    const auto found = byPostScriptName_.find(name);
+    return found == byPostScriptName_.end() ? std::u16string() : found->second;
+  }
+
+ private:
+  void ReadPostScriptNames() const;
+
+  std::vector<Family> families_;
+  std::vector<std::u16string> trueType_;
+  mutable std::once_flag namesRead_;
+  mutable std::map<std::u16string, std::u16string, std::less<>> byPostScriptName_;
+};
+
+ListedFamilies::ListedFamilies(std::vector<Family> families) : families_(std::move(families)) {
+  for (const Family &family : families_)
+    if (family.trueType) trueType_.push_back(FromWide(family.font.lfFaceName));
+  std::ranges::sort(trueType_);
+  trueType_.erase(std::unique(trueType_.begin(), trueType_.end()), trueType_.end());
+  std::ranges::stable_sort(trueType_, std::greater(), &std::u16string::size);
+}
+
+void ListedFamilies::ReadPostScriptNames() const {
   Canvas canvas;
-  for (const Family &family : Families()) {
+  for (const Family &family : families_) {
     if (!canvas.Select(CreateFontIndirectW(&family.font))) continue;
     const ByteBuffer table = FontData(canvas.context(), TagNumber("name"));
     for (std::u16string &name : PostScriptNames(table.span()))
-      found.try_emplace(std::move(name), FromWide(family.font.lfFaceName));
+      byPostScriptName_.try_emplace(std::move(name), FromWide(family.font.lfFaceName));
   }
-  return found;
 }
 
 }  // namespace
 
-const std::vector<std::u16string> &TrueTypeFamilies() {
-  static const std::vector<std::u16string> names = [] {
-    std::vector<std::u16string> list;
-    for (const Family &family : Families())
-      if (family.trueType) list.push_back(FromWide(family.font.lfFaceName));
-    std::ranges::sort(list);
-    list.erase(std::unique(list.begin(), list.end()), list.end());
-    std::ranges::stable_sort(list, std::greater(), &std::u16string::size);
-    return list;
-  }();
-  return names;
-}
-
-std::u16string FamilyOfPostScriptName(std::u16string_view name) {
-  static const auto names = ReadPostScriptNames();
-  const auto found = names.find(name);
-  return found == names.end() ? std::u16string() : found->second;
+std::shared_ptr<const FontFamilies> FontFamilies::Now() {
+  static std::mutex mutex;
+  static std::shared_ptr<const ListedFamilies> latest;
+  auto families = ListFamilies();
+  const std::lock_guard lock(mutex);
+  if (!latest || !latest->IsSame(families)) latest = std::make_shared<ListedFamilies>(std::move(families));
+  return latest;
 }
 
 std::unique_ptr<SystemFont> SystemFont::Open(const Request &request) {
