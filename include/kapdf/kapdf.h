@@ -282,8 +282,12 @@ typedef struct RasterHeaderPayload {
   uint32_t reserved8, reserved12;
   uint32_t dpi;
   uint32_t depthHint;
-  uint32_t pixelType; /* 0 bilevel, 1 grey palette, 2 colour palette, 4 RGB, 5 CMYK */
-  void *palette;      /* 1028 bytes: u16, u16 entries, then entries of 4 bytes, red first */
+  /* 0 bilevel, 1 grey palette, 2 colour palette, 4 RGB. 5 has four bytes a pixel: to an export they are CMYK, from an
+   * import RGB and a byte that is 255 where nothing is painted and 0 elsewhere. */
+  uint32_t pixelType;
+  /* 1028 bytes: u16, u16 entries, then entries of 4 bytes, red first. From an import the fourth byte 255 means that the
+   * entry is not painted. */
+  void *palette;
 } RasterHeaderPayload;
 
 typedef struct RasterPlacementPayload {
