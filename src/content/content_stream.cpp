@@ -85,7 +85,8 @@ bool CPDFContentStream::LoadNextStream() {
     streamCount_ = contents_->Count();
     if (nextStream_ >= streamCount_) return false;
     const auto *reference = dynamic_cast<const CPDFIndirectObject *>(contents_->GetAt(nextStream_++));
-    return reference && ReadStreamBytes(reference->objectNumber, nextStream_);
+    return reference &&
+           (ReadStreamBytes(reference->objectNumber, nextStream_) || LoadArrayInPlace(reference->objectNumber));
   }
   const auto *lone = owner_ ? owner_->GetAs<CPDFIndirectObject>("Contents") : nullptr;
   if (!lone || loneStreamDone_) return false;
@@ -94,17 +95,19 @@ bool CPDFContentStream::LoadNextStream() {
   return ReadStreamBytes(lone->objectNumber, 0) || LoadArrayInPlace(lone->objectNumber);
 }
 
-// The reference led to an array in place of a stream: it becomes the list of streams, and its first one is loaded. An
+// The reference led to an array in place of a stream: it becomes the list of streams, in place of the one that named
+// it, and its first one is loaded. The count goes on (deliberate): as many as were read before it are passed over. An
 // array inside it does not count.
 bool CPDFContentStream::LoadArrayInPlace(int32_t objectNumber) {
   uint8_t firstChar;
-  if (!OpenObject(objects_, objectNumber, firstChar)) return false;
+  if (ownContents_ || !OpenObject(objects_, objectNumber, firstChar)) return false;
   auto list = std::make_unique<CPDFArray>(objects_.source());
   if (list->Parse(firstChar) != 0) return false;
   ownContents_ = std::move(list);
   contents_ = ownContents_.get();
-  nextStream_ = 0;
-  return LoadNextStream();
+  streamCount_ = contents_->Count();
+  const auto *first = dynamic_cast<const CPDFIndirectObject *>(contents_->GetAt(0));
+  return first && ReadStreamBytes(first->objectNumber, nextStream_);
 }
 
 bool CPDFContentStream::ReadStreamBytes(int32_t objectNumber, uint32_t index) {

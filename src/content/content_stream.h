@@ -102,7 +102,7 @@ class CPDFContentStream {
   ObjectLocator &objects_;
   std::unique_ptr<CPDFDictionary> owner_;
   int32_t objectNumber_ = -1;               // of a form
-  std::unique_ptr<CPDFArray> ownContents_;  // `Contents` when it came through a reference
+  std::unique_ptr<CPDFArray> ownContents_;  // the list of streams when it came through a reference
   const CPDFArray *contents_ = nullptr;
   ByteBuffer buffer_;  // the decoded stream and one zero
   size_t length_ = 0;

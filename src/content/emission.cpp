@@ -64,14 +64,15 @@ bool Interpreter::EmitPending() {
 void Interpreter::EmitStroke() {
   const std::span<const double> path = paths_.path(static_cast<size_t>(--pendingPaths_));
   const double width = RecordWidth();
-  if (path.size() == 4 && !closeContours_) {
+  const bool complete = !closeContours_ || IsClosed(path);  // as it stands
+  if (path.size() == 4 && complete) {
     blocks_.line = {width, path[0], path[1], path[2], path[3]};
     StartRecord(ElemLine, state_.strokeColor, &blocks_.line, sizeof blocks_.line);
     return;
   }
   // The first path has room for the structure in front of its points; others are copied behind one.
   static_assert(sizeof(PolylinePayload) == CoordArray::kHeadBytes);
-  const bool inPlace = pendingPaths_ == 0 && (!closeContours_ || IsClosed(path));
+  const bool inPlace = pendingPaths_ == 0 && complete;
   uint8_t *block = inPlace ? paths_.FirstBlock()
                            : blocks_.polyline.Prepare(sizeof(PolylinePayload) + path.size_bytes() + 2 * sizeof(double));
   uint8_t *points = block + sizeof(PolylinePayload);

@@ -16,13 +16,14 @@ constexpr size_t kData = 2;  // characters of "ID"
 bool Interpreter::ReadImageDictionary(InlineImageReader &image) {
   char *text = std::exchange(remainder_, nullptr);
   for (;;) {
-    if (!text) text = context_->ReadStatement(ScanMode::kInlineImage);
+    const bool startsLine = text == nullptr;
+    if (startsLine) text = context_->ReadStatement(ScanMode::kInlineImage);
     if (!text) return false;
-    while (*text == ' ') ++text;
+    while (IsBlank(*text)) ++text;
     if (*text == '/') {
       text = image.TakeKey(text);
     } else if (text[0] == 'I' && text[1] == 'D' && (text[2] == ' ' || text[2] == 0)) {
-      image.TakeData(context_->PositionOf(text + kData));
+      image.TakeData(context_->PositionOf(text + kData), startsLine);
       text = nullptr;
     } else {
       char *rest = nullptr;

@@ -20,15 +20,18 @@ bool StartsWith(const char *text, std::string_view prefix) {
   return std::strncmp(text, prefix.data(), prefix.size()) == 0;
 }
 
-bool IsBlankOrLineEnd(int c) { return c == ' ' || c == '\n' || c == '\r'; }
+bool IsLineEnd(int c) { return c == '\n' || c == '\r'; }
 
+bool IsBlankOrLineEnd(int c) { return c == ' ' || IsLineEnd(c); }
+
+// Keys need no blank between them.
 void SkipWord(char *&at) {
   if (*at) ++at;
-  while (*at && *at != ' ' && *at != '/' && *at != '[' && *at != '(' && *at != '<') ++at;
+  while (*at && !IsBlank(*at) && *at != '/' && *at != '[' && *at != '(' && *at != '<') ++at;
 }
 
 void SkipBlanks(char *&at) {
-  while (*at == ' ') ++at;
+  while (IsBlank(*at)) ++at;
 }
 
 // The whole number behind a key, wherever in the text that is.
@@ -73,7 +76,7 @@ char *InlineImageReader::TakeKey(char *text) {
       std::string whole(at);
       for (int c = 0; c >= 0 && c != ']' && whole.size() < CPDFContentStream::kStatementBytes;) {
         c = context_.NextByte();
-        whole += c == '\n' || c == '\r' || c < 0 ? ' ' : static_cast<char>(c);
+        whole += IsLineEnd(c) || c < 0 ? ' ' : static_cast<char>(c);
       }
       if (decode) TakeDecode(whole.data());
       return nullptr;
@@ -110,7 +113,8 @@ void InlineImageReader::TakeFilters(const char *text) {
   }
 }
 
-// Which parameters are read is decided by the filters, which must have come before.
+// Which parameters are read is decided by the filters, which must have come before. CCITT rows are as wide as their own
+// columns tell, and BlackIs1 may be a word, as in an image of its own.
 void InlineImageReader::TakeParameters(const char *text) {
   if (filters_ & (kLzw | kFlate)) {
     Scan(text, "/Predictor", predictor_);
@@ -180,7 +184,8 @@ void InlineImageReader::UseColorSpace(const ColorSpace &space) {
   }
 }
 
-// Parsed where it stands in the content, since strings in it may hold any byte. False leaves everything as it was.
+// Parsed where it stands in the content, since strings in it may hold any byte. The family may be Indexed or, as inline
+// images abbreviate it, I. False leaves everything as it was.
 bool InlineImageReader::TakeColorSpaceArray(const char *value) {
   const auto content = context_.content();
   const size_t start = context_.PositionOf(value);
@@ -202,15 +207,21 @@ size_t InlineImageReader::RowBytes() const {
   return static_cast<size_t>((static_cast<uint64_t>(std::max(width_, 0)) * bits + 7) / 8);
 }
 
-// The white space that "EI" follows. Where there is none up to the end of the content, unfiltered data end by their
-// size, if "EI" stands there.
-size_t InlineImageReader::DataEnd(size_t from, bool escaped) const {
+// The white space that "EI" follows. On a line that "ID" starts it is a line end, where one stands within the length of
+// a statement. Where there is none up to the end of the content, unfiltered data end by their size, if "EI" stands
+// there.
+size_t InlineImageReader::DataEnd(size_t from, bool onOwnLine, bool escaped) const {
   const auto content = context_.content();
+  const auto beforeEnd = [&](size_t at) { return content[at + 1] == 'E' && content[at + 2] == 'I'; };
+  const size_t line = onOwnLine ? std::min(content.size(), from + CPDFContentStream::kStatementBytes) : 0;
+  for (size_t at = from; at + 2 < line; ++at) {
+    if (IsLineEnd(content[at]) && beforeEnd(at)) return at;
+  }
   size_t &none = context_.noImageEnd[escaped];
   for (size_t at = from; at < none && at + 2 < content.size(); ++at) {
     if (IsBlankOrLineEnd(content[at])) {
-      if (content[at + 1] == 'E' && content[at + 2] == 'I') return at;
-    } else if (escaped && content[at] == '\\' && (content[at + 1] == '\n' || content[at + 1] == '\r')) {
+      if (beforeEnd(at)) return at;
+    } else if (escaped && content[at] == '\\' && IsLineEnd(content[at + 1])) {
       ++at;
     }
   }
@@ -224,21 +235,24 @@ size_t InlineImageReader::DataEnd(size_t from, bool escaped) const {
   return content.size();
 }
 
-// One blank behind "ID" is passed over and what follows are data. A line end is passed over with all white space behind
-// it, and in the data each backslash together with a line end behind it.
-void InlineImageReader::TakeData(size_t position) {
+// Data on the line of "ID" start one blank behind it. Of those behind the line all white space ahead is passed over,
+// and each backslash together with a line end behind it. All are taken from the content's own bytes: those of the
+// statement end at its 8,191st, and images may be larger.
+void InlineImageReader::TakeData(size_t position, bool startsLine) {
   const auto content = context_.content();
-  const bool behindBlank = position < content.size() && content[position] == ' ';
-  if (behindBlank) ++position;
-  while (!behindBlank && position < content.size() && IsBlankOrLineEnd(content[position])) ++position;
+  const auto endsLine = [&](size_t at) { return at >= content.size() || IsLineEnd(content[at]); };
+  const bool blank = position < content.size() && content[position] == ' ';
+  const bool behindLine = !blank || (!startsLine && endsLine(position + 1));
+  if (!behindLine) ++position;
+  while (behindLine && position < content.size() && IsBlankOrLineEnd(content[position])) ++position;
   position = std::min(position, content.size());
-  const size_t end = DataEnd(position, !behindBlank);
+  const size_t end = DataEnd(position, !behindLine && startsLine, behindLine);
   data_.assign(content.begin() + static_cast<std::ptrdiff_t>(position),
                content.begin() + static_cast<std::ptrdiff_t>(end));
-  if (!behindBlank) {
+  if (behindLine) {
     size_t kept = 0;
     for (size_t i = 0; i < data_.size(); ++i) {
-      if (data_[i] == '\\' && i + 1 < data_.size() && (data_[i + 1] == '\n' || data_[i + 1] == '\r'))
+      if (data_[i] == '\\' && i + 1 < data_.size() && IsLineEnd(data_[i + 1]))
         ++i;
       else
         data_[kept++] = data_[i];
@@ -319,7 +333,8 @@ bool InlineImageReader::ChooseLayout(InlineRaster &image, RowLayout &layout) con
     told.kind = RasterKind::kBilevel;
     if (color_ != Color::kIndexed) told.invert = !told.invert;
     if (color_ == Color::kIndexed && palette_ && FirstIsBrighter(*palette_)) told.invert = !told.invert;
-    if (filters_ == kCcitt) told.invert = !told.invert;  // its runs are the black pixels, 0 in plain bits
+    // As an image of its own, also without a colour space: its runs are the black pixels, which are 0 in plain bits.
+    if (filters_ == kCcitt) told.invert = !told.invert;
   } else if (color_ == Color::kGrey) {
     told.kind = RasterKind::kGrey;
     told.palette = GreyRamp();

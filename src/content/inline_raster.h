@@ -20,6 +20,9 @@ struct InlineRaster {
   std::unique_ptr<RowReader> reader;
 };
 
+// White space between a key and its value.
+inline bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
 // Takes the keys and the data of one image from its content, piece by piece.
 class InlineImageReader {
  public:
@@ -28,8 +31,9 @@ class InlineImageReader {
   // A key and its value at the start of the text, which is the end of what was read last. Gives what follows them in
   // the text, or null when reading goes on in the content.
   char *TakeKey(char *text);
-  // The data behind an "ID" at that position. Reading goes on at the white space before "EI".
-  void TakeData(size_t position);
+  // The data behind an "ID" that ends at that position. `startsLine`: no key stands ahead of it on its line. Reading
+  // goes on at the white space before "EI".
+  void TakeData(size_t position, bool startsLine);
   // Null when the sides are out of bounds. Without a codec for the filters there is none in the image.
   std::unique_ptr<InlineRaster> Finish(const Affine &matrix);
 
@@ -46,7 +50,7 @@ class InlineImageReader {
   bool TakeColorSpaceArray(const char *value);
   void UseColorSpace(const ColorSpace &space);
   size_t RowBytes() const;
-  size_t DataEnd(size_t from, bool escaped) const;
+  size_t DataEnd(size_t from, bool onOwnLine, bool escaped) const;
   bool MakeCodec(InlineRaster &image, uint32_t length, RowLayout &layout);
   bool ChooseLayout(InlineRaster &image, RowLayout &layout) const;
 

@@ -92,18 +92,16 @@ void Interpreter::StartDefinition(uint32_t kind, void *payload, size_t bytes) {
 }
 
 // Inside a text object statements are read in a mode of their own, and only the operators with a handler for it act.
+// What follows a form starts like a call: a text object that the form left open takes up the state that came back.
 Flow Interpreter::RunStatements() {
-  if (text_.active) StartTextPass();
-  compound_ = alsoStroke_ = false;
-  bool ended = false;
-  while (!ended) {
-    const Flow flow = RunOne(ended);
-    if (flow != Flow::kNext) return flow;
-    if (ended && LeaveForm()) {
-      ended = false;
-      compound_ = alsoStroke_ = false;
+  do {
+    if (text_.active) StartTextPass();
+    compound_ = alsoStroke_ = false;
+    for (bool ended = false; !ended;) {
+      const Flow flow = RunOne(ended);
+      if (flow != Flow::kNext) return flow;
     }
-  }
+  } while (LeaveForm());
   ended_ = true;
   inlineWaiting_ = false;
   return Flow::kNext;

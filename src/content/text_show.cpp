@@ -110,6 +110,8 @@ Flow Interpreter::SpacedNextLineShow(const Statement &statement) {
 }
 
 // Strings of an array follow each other with numbers between them, thousandths of the font size that the pen goes back.
+// String upon string goes on in the run, and what is left at the end of the array goes out: both so that no text is
+// torn or lost.
 void Interpreter::Show(const char *at) {
   text_.width = 0;
   int depth = 0;
@@ -130,7 +132,7 @@ void Interpreter::Show(const char *at) {
           continue;
         }
       } else if (*at == '(' || *at == '<') {
-        continue;  // string upon string is one run
+        continue;
       }
     }
     if (text_.current().text.empty()) {
@@ -172,7 +174,8 @@ void Interpreter::ShowString(const char *first, const char *end, bool hex) {
   }
 }
 
-// `width` in text space, `blank` in em. Blanks ahead of a run move the pen and are no text.
+// `width` in text space, `blank` in em. Blanks ahead of a run move the pen and are no text. One that ends a run is such
+// a blank, too: it counts once, and not in the run's own width. Inside a run word spacing counts in the advance.
 void Interpreter::AppendCharacter(char16_t character, double width, double blank) {
   TextPiece *piece = &text_.current();
   if (character == ' ') {

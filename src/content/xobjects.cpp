@@ -213,6 +213,7 @@ uint32_t Interpreter::ReadRasterRow(uint8_t *&row, size_t &bytes) {
   return FilterOk;
 }
 
+// The rows of an inline image, which the page's count of rasters does not hold, leave the page's own progress as it is.
 double Interpreter::Fraction() const {
   if (!raster_) return page_->Fraction();
   const double rows = static_cast<double>(page_->resources.RasterCount()) * rasterHeight_;

@@ -170,7 +170,7 @@ bool FitsEllipse(std::span<const double> points, const Ellipse &ellipse, double 
 }
 
 // The counter-clockwise run has to pass through the middle point. First and last may have the same angle, but for
-// rounding: the run is then the long one.
+// rounding: the run is then the long one, since the short one would be nothing.
 void RunThroughMiddle(std::span<const double> points, RecognizedCurve &arc) {
   const auto angleOf = [&](size_t point) {
     return std::atan2(points[2 * point + 1] - arc.centreY, points[2 * point] - arc.centreX);

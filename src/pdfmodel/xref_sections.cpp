@@ -173,6 +173,7 @@ bool XRefReader::AddStreamEntries(const CPDFDictionary &dictionary, std::span<co
   return true;
 }
 
+// Lines end in CR LF on every system: written as bytes, so that no second CR comes in.
 void XRefReader::DumpEntries(int64_t position, size_t firstBlock) const {
   const auto path = platform::DiagnosticPath("XRefStm_" + std::to_string(position) + ".txt");
   const auto file = platform::CreateNewFile(path);

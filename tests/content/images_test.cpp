@@ -30,7 +30,8 @@ std::string DrawnWith(const std::vector<std::string> &streams, const std::string
        Stream(form + "/Filter /No", "f"), "[/Indexed /DeviceRGB 3 <FF0000 00FF00 0000FF 000000>]",
        "[/ICCBased 113 0 R]", Stream("/Alternate /DeviceGray", "-"), Stream(two + " /Mask 115 0 R", "ef"),
        "<</Broken true /R 107 0 R>>", Stream(form, "2 w q 3 w"),
-       Stream(image + "/Width 1 /Height 4 /ImageMask true /BitsPerComponent 1", "\0\0\0\0"s)})));
+       Stream(image + "/Width 1 /Height 4 /ImageMask true /BitsPerComponent 1", "\0\0\0\0"s),
+       Stream(form, "BT 30 Tz")})));
 }
 
 struct Case {
@@ -45,7 +46,7 @@ TEST(XObjects, AreFoundEnteredAndAnnounced) {
   const std::string line = "line 256 w1 0,0 9,9";
   Check(
       "/XObject <</A 100 0 R /F 105 0 R /Q 116 0 R /Full 102 0 R /Blank 103 0 R /M 104 0 R /R 109 0 R /No 110 0 R "
-      "/P 114 0 R /T 117 0 R>> /ExtGState <</E 108 0 R>>",
+      "/P 114 0 R /T 117 0 R /B 118 0 R>> /ExtGState <</E 108 0 R>>",
       {{"q 72 0 0 36 5 6 cm /A Do Q", "A #100 5,6 0 o100 2x1@2 k1 | ab"},
        {"0 72 -72 0 5 6 cm /E gs /A Do", "A #100 5,6 90 o50 2x1@1 k1 | ab"},
        {"1 g /A Do /M Do", "A #100 0,0 0 o100 2x1@72 k1 | ab\nM #FF 0,0 0 o100 8x2@144 k0 inverted | 4-7 | 4-7"},
@@ -58,7 +59,8 @@ TEST(XObjects, AreFoundEnteredAndAnnounced) {
         "Full #100 10,20 0 o50 8x2@72 k0 | 0-7 | 0-7\nline 256 w10 10,20 12,22\n"
         "fill 256 w2 o50 10,20 10,22 12,22 12,20 10,20\n" +
             line},
-       {"/Q Do 0 0 m 9 9 l S", "line 256 w2 0,0 9,9"},  // of what a form leaves open one state comes back
+       {"/Q Do 0 0 m 9 9 l S", "line 256 w2 0,0 9,9"},                // of what a form leaves open one state comes back
+       {"50 Tz /B Do (A) Tj ET", "text 256 'A' 0,0 h0.714 w0.5 a0"},  // also in the text object that it left open
        {"4 0 0 2 1 2 cm 1 g /Full Do /Blank Do", "fill 255 w0 o100 1,2 5,2 5,4 1,4"},
        {"0 4 -2 0 5 2 cm 1 g /Full Do", "fill 255 w0 o100 5,2 5,6 3,6 3,2"},
        {"2 0 0 8 5 6 cm 1 g /T Do", "fill 255 w0 o100 5,14 5,6 7,6 7,14"}});  // one pixel wide: turned
@@ -84,9 +86,15 @@ TEST(InlineImages, AreReadInEveryForm) {
             draw,
         gray + line},
        {"2 0 0 2 0 0 cm BI" + eight + " ID abcdEI", gray},  // no white space before the end
+       {"2 0 0 2 0 0 cm BI\n/W\t2\t/H \t2\n/BPC\t8\t/CS\t/G\nID abcd\nEI", gray},
        {"2 0 0 2 0 0 cm BI" + eight + "/F[/AHx] ID 6162 6364> EI", gray},
        {"2 0 0 2 0 0 cm BI" + eight + "/F/Fl/DP<</Predictor 2/Columns 2>> ID " + Deflate("a\1c\1") + " EI", gray},
        {"2 0 0 2 0 0 cm\nBI\n" + eight + "\nID\na\\\nbcd\nEI", gray},  // a backslash and a line end are no data
+       {"q 2 0 0 2 0 0 cm BI" + eight + " ID \nabcd EI Q" + draw, gray + line},  // data behind the line
+       // A line that "ID" starts goes on up to a line end with "EI" behind it. Without one a blank will do.
+       {"BI\n/W 6/H 1/BPC 8/CS/G\nID a EI\n\nEI Q" + draw, one + "6x1@72 k1 | a20EI0A00" + line},
+       {"BI\n/W 2/H 1/BPC 8/CS/G\nID ab EI Q" + draw, one + "2x1@72 k1 | ab" + line},
+       {"BI/W 2/H 1/BPC 8/CS/G ID \0\0\nEI Q"s + draw, one + "2x1@72 k1 | 0000" + line},
        {"BI/W 4/H 1/BPC 8/CS/G ID \0%% Q\nEI Q"s + draw, one + "4x1@72 k1 | 00252520" + line},
        {"BI/W 6/H 1/BPC 8/CS/G ID \0\0EI\n\r\nEI"s, one + "6x1@72 k1 | 0000EI0A0D"},
        {"BI/W 8/H 1/IM true ID \x0F EI", one + "8x1@72 k0 inverted | 4-7"},

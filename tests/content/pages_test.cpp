@@ -54,8 +54,10 @@ TEST(Pages, ContentsInAllForms) {
   } cases[] = {
       {"/Contents 4 0 R", first},
       {"/Contents [4 0 R 5 0 R]", both},
-      {"/Contents 10 0 R", both},                 // a reference to an array
-      {"/Contents [4 0 R 10 0 R 5 0 R]", first},  // an array in an array ends the page
+      {"/Contents 10 0 R", both},          // a reference to an array
+      {"/Contents [10 0 R 4 0 R]", both},  // to one among the streams: it takes the place of the list,
+      {"/Contents [4 0 R 10 0 R 5 0 R]", first + "\n" + first},  // is counted on in
+      {"/Contents [12 0 R]", first},                             // and holds none that counts
       {"/Contents 11 0 R", ""},
       {"/Contents [4 0 R 99 0 R 5 0 R]", first},  // so does what is not there,
       {"/Contents [4 0 R 1 0 R 5 0 R]", first},   // what is no stream,
@@ -81,6 +83,7 @@ TEST(Pages, ContentsInAllForms) {
                                   .FlateStream(9, "", "")
                                   .Object(10, "[4 0 R 5 0 R]")
                                   .Object(11, "[10 0 R]")
+                                  .Object(12, "[4 0 R 10 0 R]")
                                   .Build();
     EXPECT_EQ(Joined(ReadPage(bytes)), c.drawn) << c.contents;
   }

@@ -50,6 +50,9 @@ TEST(Paths, Painting) {
       {"0 0 m 9 0 l 9 9 l b", fill + "0,0 9,0 9,9 0,0\npoly" + stroke + "0,0 9,0 9,9 0,0"},
       {"0 0 m 9 0 l 0 0 9 9 re B*",
        fill + "0,0 9,0 0,0 | " + square + "\npoly" + stroke + square + "\npoly" + stroke + "0,0 9,0 0,0"},
+      // Two equal points are closed as they are.
+      {"5 5 m 5 5 l 0 0 9 9 re B*",
+       fill + "5,5 5,5 | " + square + "\npoly" + stroke + square + "\nline #0000FF w1 5,5 5,5"},
       {"0 0 1 RG 0 0 1 rg 0 0 9 9 re b*", "fill #0000FF w1 o100 0,0 0,9 9,9 9,0 0,0 0,0"},  // one colour: no stroke
       // What a paint of nothing has set holds for the next one.
       {"B 0 0 9 9 re f", fill + square + "\npoly" + stroke + square},

@@ -24,9 +24,10 @@ TEST(Bezier, StepsFollowTheControlPolygon) {
   } cases[] = {{0, 0, 2, 11},
                {0, 0, 2.2001, 12},
                {600, 1300, 2000, 10'001},
-               {1.5, 0, 1.5, 23},           // there and back and there again
-               {1e7, 2e7, 3e7, 1'000'001},  // no more steps than the bound
-               {1e200, -1e200, 0.1, 11}};   // a length that cannot be summed
+               {600, 1300, 2001, 10'001},  // no more steps than the bound
+               {1.5, 0, 1.5, 23},          // there and back and there again
+               {1e7, 2e7, 3e7, 10'001},
+               {1e200, -1e200, 0.1, 11}};  // a length that cannot be summed
   for (const auto &c : cases) {
     const CoordArray points = Flattened(0, c.x1, c.x2, c.x3);
     ASSERT_EQ(points.size(), c.points * 2) << c.x3;
