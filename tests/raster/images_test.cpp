@@ -90,9 +90,9 @@ TEST(Image, KindAndPolarityFollowFromTheDictionary) {
        {one + "/ColorSpace [/Indexed /DeviceGray 1 <FF00>]", bits, "4x2 k0 inverted" + runs},
        {one + "/ColorSpace [/ICCBased 99 0 R]", bits, "no"},
        {one + "/Filter /Fl", Deflate("\xA0"), "4x2 k0 | 0-0 2-2 |"},  // short of data
-       {one, "\xA0", "4x2 k0 | 0-0 2-2 |"},                           // and not what stands behind them
        {"/BitsPerComponent 8 /ColorSpace /DeviceGray", "abcdABCD", "4x2 k1 p010101 | abcd | ABCD"},
        {"/BitsPerComponent 8 /Filter /Fl", Deflate("abcdAB"), "4x2 k2 p800000 | abcd | AB0000"},
+       {"/BitsPerComponent 8", "abcdAB", "4x2 k2 p800000 | abcd | AB0000"},  // and not what stands behind them
        {"/BitsPerComponent 4 /ColorSpace 11 0 R /Mask [1 2]", "\x01\x23\x32\x10",
         "4x2 k2 p646566 x1 x2 | 00010203 | 03020100"},
        {"/BitsPerComponent 8 /ColorSpace /DeviceCMYK /Filter /Fl", Deflate("\0\0\0\xFF\xFF\0\0\0\x80\0\0\x80\0\0\0\0"s),
