@@ -38,12 +38,12 @@ int64_t TimeOfChange(const std::string &path) {
 }
 
 // Folders come with the folders in them.
-void AddTimes(FcStrList *paths, FontList &fonts) {
-  while (const FcChar8 *path = paths ? FcStrListNext(paths) : nullptr) {
-    const std::string name = reinterpret_cast<const char *>(path);
+void AddTimes(FcStrList *folders, FontList &fonts) {
+  while (const FcChar8 *folder = folders ? FcStrListNext(folders) : nullptr) {
+    const std::string name = reinterpret_cast<const char *>(folder);
     fonts.changed.emplace_back(name, TimeOfChange(name));
   }
-  if (paths) FcStrListDone(paths);
+  if (folders) FcStrListDone(folders);
 }
 
 bool IsCurrent(const FontList &fonts) {
@@ -120,7 +120,6 @@ std::shared_ptr<const FontList> MakeList() {
   fonts->config = MakeConfig();
   FcConfig *const config = fonts->config.get();
   if (!config) return fonts;
-  AddTimes(FcConfigGetConfigFiles(config), *fonts);
   AddTimes(FcConfigGetFontDirs(config), *fonts);
   const Owned<FcPattern> all(FcPatternCreate());
   const Owned<FcObjectSet> objects(FcObjectSetBuild(FC_FAMILY, FC_FAMILYLANG, FC_POSTSCRIPT_NAME, FC_FILE, FC_INDEX,

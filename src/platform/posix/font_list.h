@@ -26,7 +26,7 @@ struct FontFace {
 struct FontList {
   std::vector<FontFace> faces;                           // sorted by family
   std::shared_ptr<_FcConfig> config;                     // null where fontconfig is not set up
-  std::vector<std::pair<std::string, int64_t>> changed;  // the folders and files that it was made from, and when, in ns
+  std::vector<std::pair<std::string, int64_t>> changed;  // folders with fonts, and when they did, in ns
 };
 
 // As it is now; the one of the last call while no folder has changed.
