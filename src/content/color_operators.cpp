@@ -1,8 +1,7 @@
 // Operators that set colours.
-#include <string_view>
+#include "content/color_operators.h"
 
 #include "base/color.h"
-#include "content/interpreter.h"
 
 namespace kapdf {
 namespace {
@@ -22,14 +21,14 @@ uint32_t PackRgb(const double *v) {
 
 }  // namespace
 
-bool Interpreter::ScanRgb(const Statement &statement, uint32_t &packed) {
+bool ColorOperators::ScanRgb(const Statement &statement, uint32_t &packed) {
   double v[3];
   if (statement.Reals(v, 3) != 3) return false;
   packed = PackRgb(v);
   return true;
 }
 
-bool Interpreter::ScanGray(const Statement &statement, uint32_t &packed) {
+bool ColorOperators::ScanGray(const Statement &statement, uint32_t &packed) {
   double v;
   if (statement.Reals(&v, 1) != 1) return false;
   const uint32_t level = ComponentByte(static_cast<float>(v));
@@ -37,7 +36,7 @@ bool Interpreter::ScanGray(const Statement &statement, uint32_t &packed) {
   return true;
 }
 
-bool Interpreter::ScanCmyk(const Statement &statement, uint32_t &packed) {
+bool ColorOperators::ScanCmyk(const Statement &statement, uint32_t &packed) {
   double v[4];
   if (statement.Reals(v, 4) != 4) return false;
   packed = PackFromCmyk(Scaled(v[0]), Scaled(v[1]), Scaled(v[2]), Scaled(v[3]));
@@ -45,7 +44,7 @@ bool Interpreter::ScanCmyk(const Statement &statement, uint32_t &packed) {
 }
 
 // Too few components change nothing; those behind the ones that the kind takes and names of patterns have no effect.
-bool Interpreter::ScanByKind(const Statement &statement, ColorKind kind, uint32_t &packed) const {
+bool ColorOperators::ScanByKind(const Statement &statement, ColorKind kind, uint32_t &packed) const {
   switch (kind) {
     case ColorKind::kRgb:
       return ScanRgb(statement, packed);
@@ -60,15 +59,15 @@ bool Interpreter::ScanByKind(const Statement &statement, ColorKind kind, uint32_
 }
 
 // One component through the space in force.
-bool Interpreter::ScanOne(const Statement &statement, uint32_t &packed) const {
+bool ColorOperators::ScanOne(const Statement &statement, uint32_t &packed) const {
   double v;
-  if (!state_.colorSpace || statement.Reals(&v, 1) != 1) return false;
-  packed = state_.colorSpace->Convert(v);
+  if (!drawing_.state.colorSpace || statement.Reals(&v, 1) != 1) return false;
+  packed = drawing_.state.colorSpace->Convert(v);
   return true;
 }
 
 // CMYK of `sc` inside a text object: whole numbers throughout.
-bool Interpreter::ScanCmykWhole(const Statement &statement, uint32_t &packed) {
+bool ColorOperators::ScanCmykWhole(const Statement &statement, uint32_t &packed) {
   double v[4];
   if (statement.Reals(v, 4) != 4) return false;
   const auto byte = [&](int i) { return static_cast<int>(ComponentByte(static_cast<float>(v[i]))); };
@@ -77,52 +76,53 @@ bool Interpreter::ScanCmykWhole(const Statement &statement, uint32_t &packed) {
 }
 
 // A colour of a space of the resources stays a plain colour, also black and white.
-Flow Interpreter::SetStroke(ColorKind kind, const Statement &statement) {
+Flow ColorOperators::SetStroke(ColorKind kind, const Statement &statement) {
   uint32_t packed;
   if (!ScanByKind(statement, kind, packed)) return Flow::kNext;
-  state_.strokeKind = kind;
-  state_.strokeColor = kind == ColorKind::kResource ? packed | kDirectColor : CodeFromPacked(packed);
+  drawing_.state.strokeKind = kind;
+  drawing_.state.strokeColor = kind == ColorKind::kResource ? packed | kDirectColor : CodeFromPacked(packed);
   return Flow::kNext;
 }
 
-Flow Interpreter::SetFill(ColorKind kind, const Statement &statement, uint32_t white) {
+Flow ColorOperators::SetFill(ColorKind kind, const Statement &statement, uint32_t white) {
   uint32_t packed;
   if (!ScanByKind(statement, kind, packed)) return Flow::kNext;
-  state_.fillKind = kind;
-  state_.fillColor = kind == ColorKind::kResource ? packed | kDirectColor : CodeFromPacked(packed, white);
+  drawing_.state.fillKind = kind;
+  drawing_.state.fillColor = kind == ColorKind::kResource ? packed | kDirectColor : CodeFromPacked(packed, white);
   return Flow::kNext;
 }
 
-Flow Interpreter::StrokeRgb(const Statement &s) { return SetStroke(ColorKind::kRgb, s); }
-Flow Interpreter::StrokeGray(const Statement &s) { return SetStroke(ColorKind::kGray, s); }
-Flow Interpreter::StrokeCmyk(const Statement &s) { return SetStroke(ColorKind::kCmyk, s); }
+Flow ColorOperators::StrokeRgb(const Statement &s) { return SetStroke(ColorKind::kRgb, s); }
+Flow ColorOperators::StrokeGray(const Statement &s) { return SetStroke(ColorKind::kGray, s); }
+Flow ColorOperators::StrokeCmyk(const Statement &s) { return SetStroke(ColorKind::kCmyk, s); }
 
 // Grey goes through the space in force where there is one, outside text objects.
-Flow Interpreter::StrokeColor(const Statement &s) {
+Flow ColorOperators::StrokeColor(const Statement &s) {
   uint32_t packed;
-  if (state_.strokeKind != ColorKind::kGray || !state_.colorSpace || text_.active || !ScanOne(s, packed))
-    return SetStroke(state_.strokeKind, s);
-  state_.strokeColor = CodeFromPacked(packed);
+  if (drawing_.state.strokeKind != ColorKind::kGray || !ScanOne(s, packed)) return StrokeColorInText(s);
+  drawing_.state.strokeColor = CodeFromPacked(packed);
   return Flow::kNext;
 }
 
-Flow Interpreter::FillRgb(const Statement &s) { return SetFill(ColorKind::kRgb, s, kWhiteCode); }
-Flow Interpreter::FillGray(const Statement &s) { return SetFill(ColorKind::kGray, s, kWhiteCode); }
-Flow Interpreter::FillCmyk(const Statement &s) { return SetFill(ColorKind::kCmyk, s, kWhiteCode); }
-Flow Interpreter::FillColor(const Statement &s) { return SetFill(state_.fillKind, s, kWhiteCode); }
-Flow Interpreter::FillRgbInText(const Statement &s) { return SetFill(ColorKind::kRgb, s, kWhiteInText); }
-Flow Interpreter::FillGrayInText(const Statement &s) { return SetFill(ColorKind::kGray, s, kWhiteInText); }
-Flow Interpreter::FillCmykInText(const Statement &s) { return SetFill(ColorKind::kCmyk, s, kWhiteInText); }
+Flow ColorOperators::StrokeColorInText(const Statement &s) { return SetStroke(drawing_.state.strokeKind, s); }
 
-Flow Interpreter::FillColorInText(const Statement &s) {
-  if (state_.fillKind != ColorKind::kCmyk) return SetFill(state_.fillKind, s, kWhiteInText);
+Flow ColorOperators::FillRgb(const Statement &s) { return SetFill(ColorKind::kRgb, s, kWhiteCode); }
+Flow ColorOperators::FillGray(const Statement &s) { return SetFill(ColorKind::kGray, s, kWhiteCode); }
+Flow ColorOperators::FillCmyk(const Statement &s) { return SetFill(ColorKind::kCmyk, s, kWhiteCode); }
+Flow ColorOperators::FillColor(const Statement &s) { return SetFill(drawing_.state.fillKind, s, kWhiteCode); }
+Flow ColorOperators::FillRgbInText(const Statement &s) { return SetFill(ColorKind::kRgb, s, kWhiteInText); }
+Flow ColorOperators::FillGrayInText(const Statement &s) { return SetFill(ColorKind::kGray, s, kWhiteInText); }
+Flow ColorOperators::FillCmykInText(const Statement &s) { return SetFill(ColorKind::kCmyk, s, kWhiteInText); }
+
+Flow ColorOperators::FillColorInText(const Statement &s) {
+  if (drawing_.state.fillKind != ColorKind::kCmyk) return SetFill(drawing_.state.fillKind, s, kWhiteInText);
   uint32_t packed;
-  if (ScanCmykWhole(s, packed)) state_.fillColor = CodeFromPacked(packed);
+  if (ScanCmykWhole(s, packed)) drawing_.state.fillColor = CodeFromPacked(packed);
   return Flow::kNext;
 }
 
 // A name that is neither a device space nor one of the resources leaves the kind as it is, and no space in force.
-void Interpreter::SelectColorSpace(const Statement &statement, ColorKind &kind) {
+void ColorOperators::SelectColorSpace(const Statement &statement, ColorKind &kind) {
   std::string_view name = statement.Word();
   if (name == "/DeviceGray") {
     kind = ColorKind::kGray;
@@ -132,9 +132,9 @@ void Interpreter::SelectColorSpace(const Statement &statement, ColorKind &kind) 
     kind = ColorKind::kCmyk;
   } else {
     if (!name.empty()) name.remove_prefix(1);
-    state_.colorSpace = context_->resources.FindColorSpace(name);
-    if (!state_.colorSpace) return;
-    switch (state_.colorSpace->components()) {
+    drawing_.state.colorSpace = drawing_.content->resources.FindColorSpace(name);
+    if (!drawing_.state.colorSpace) return;
+    switch (drawing_.state.colorSpace->components()) {
       case 1:
         kind = ColorKind::kResource;
         break;
@@ -150,13 +150,13 @@ void Interpreter::SelectColorSpace(const Statement &statement, ColorKind &kind) 
   }
 }
 
-Flow Interpreter::StrokeColorSpace(const Statement &statement) {
-  SelectColorSpace(statement, state_.strokeKind);
+Flow ColorOperators::StrokeColorSpace(const Statement &statement) {
+  SelectColorSpace(statement, drawing_.state.strokeKind);
   return Flow::kNext;
 }
 
-Flow Interpreter::FillColorSpace(const Statement &statement) {
-  SelectColorSpace(statement, state_.fillKind);
+Flow ColorOperators::FillColorSpace(const Statement &statement) {
+  SelectColorSpace(statement, drawing_.state.fillKind);
   return Flow::kNext;
 }
 

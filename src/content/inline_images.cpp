@@ -14,21 +14,23 @@ constexpr size_t kData = 2;  // characters of "ID"
 // Pieces follow each other on one line, beginning with that of "BI", and line by line. False when the content ends
 // first.
 bool Interpreter::ReadImageDictionary(InlineImageReader &image) {
-  char *text = std::exchange(remainder_, nullptr);
+  StatementReader &statements = drawing_.content->statements;
+  char *text = nullptr;
   for (;;) {
-    const bool startsLine = text == nullptr;
-    if (startsLine) text = context_->ReadStatement(ScanMode::kInlineImage);
+    const bool startsLine = text == nullptr && statements.AtNewText();
+    if (!text) text = statements.NextText(ScanMode::kInlineImage);
     if (!text) return false;
     while (IsBlank(*text)) ++text;
     if (*text == '/') {
       text = image.TakeKey(text);
     } else if (text[0] == 'I' && text[1] == 'D' && (text[2] == ' ' || text[2] == 0)) {
-      image.TakeData(context_->PositionOf(text + kData), startsLine);
+      image.TakeData(statements.PositionOf(text + kData), startsLine);
       text = nullptr;
     } else {
       char *rest = nullptr;
-      if (FindOperator(text, rest) == kOpEndImage) {
-        remainder_ = rest;
+      const OperatorRow *row = FindOperator(text, rest);
+      if (row && row->number == kOpEndImage) {
+        statements.GoOnWith(rest);
         return true;
       }
       text = rest;
@@ -37,16 +39,11 @@ bool Interpreter::ReadImageDictionary(InlineImageReader &image) {
 }
 
 Flow Interpreter::InlineImage(const Statement &) {
-  inlineWaiting_ = false;
-  InlineImageReader image(*context_);
+  rasters_.ForgetInline();
+  InlineImageReader image(*drawing_.content);
   if (!ReadImageDictionary(image)) return Flow::kNext;
-  auto finished = image.Finish(state_.ctm);
-  if (!finished) return Flow::kNext;
-  inlineRaster_ = std::move(finished);
-  inlineWaiting_ = true;
-  inlinePrepared_ = false;
-  StartRaster(inlineRaster_->placement, "InlineImage" + std::to_string(inlineCount_++), state_.fillColor);
-  return Flow::kRecord;
+  auto finished = image.Finish(drawing_.state.ctm);
+  return finished ? rasters_.DrawInline(std::move(finished)) : Flow::kNext;
 }
 
 }  // namespace kapdf

@@ -74,8 +74,8 @@ char *InlineImageReader::TakeKey(char *text) {
     char *close = std::strchr(at, ']');
     if (!close) {  // goes on behind the line
       std::string whole(at);
-      for (int c = 0; c >= 0 && c != ']' && whole.size() < CPDFContentStream::kStatementBytes;) {
-        c = context_.NextByte();
+      for (int c = 0; c >= 0 && c != ']' && whole.size() < StatementReader::kStatementBytes;) {
+        c = context_.bytes.NextByte();
         whole += IsLineEnd(c) || c < 0 ? ' ' : static_cast<char>(c);
       }
       if (decode) TakeDecode(whole.data());
@@ -187,12 +187,12 @@ void InlineImageReader::UseColorSpace(const ColorSpace &space) {
 // Parsed where it stands in the content, since strings in it may hold any byte. The family may be Indexed or, as inline
 // images abbreviate it, I. False leaves everything as it was.
 bool InlineImageReader::TakeColorSpaceArray(const char *value) {
-  const auto content = context_.content();
-  const size_t start = context_.PositionOf(value);
+  const auto content = context_.bytes.content();
+  const size_t start = context_.statements.PositionOf(value);
   if (start >= content.size() || content[start] != '[') return false;
   MemorySource source(content.subspan(start));
   CPDFArray array(source);
-  ColorSpace space(context_.objects());
+  ColorSpace space(context_.bytes.objects());
   if (array.Parse(255) != 0 || !space.Load(&array)) return false;
   color_ = Color::kIndexed;
   components_ = 1;
@@ -211,13 +211,13 @@ size_t InlineImageReader::RowBytes() const {
 // a statement. Where there is none up to the end of the content, unfiltered data end by their size, if "EI" stands
 // there.
 size_t InlineImageReader::DataEnd(size_t from, bool onOwnLine, bool escaped) const {
-  const auto content = context_.content();
+  const auto content = context_.bytes.content();
   const auto beforeEnd = [&](size_t at) { return content[at + 1] == 'E' && content[at + 2] == 'I'; };
-  const size_t line = onOwnLine ? std::min(content.size(), from + CPDFContentStream::kStatementBytes) : 0;
+  const size_t line = onOwnLine ? std::min(content.size(), from + StatementReader::kStatementBytes) : 0;
   for (size_t at = from; at + 2 < line; ++at) {
     if (IsLineEnd(content[at]) && beforeEnd(at)) return at;
   }
-  size_t &none = context_.noImageEnd[escaped];
+  size_t &none = context_.bytes.noImageEnd[escaped];
   for (size_t at = from; at < none && at + 2 < content.size(); ++at) {
     if (IsBlankOrLineEnd(content[at])) {
       if (beforeEnd(at)) return at;
@@ -239,7 +239,7 @@ size_t InlineImageReader::DataEnd(size_t from, bool onOwnLine, bool escaped) con
 // and each backslash together with a line end behind it. All are taken from the content's own bytes: those of the
 // statement end at its 8,191st, and images may be larger.
 void InlineImageReader::TakeData(size_t position, bool startsLine) {
-  const auto content = context_.content();
+  const auto content = context_.bytes.content();
   const auto endsLine = [&](size_t at) { return at >= content.size() || IsLineEnd(content[at]); };
   const bool blank = position < content.size() && content[position] == ' ';
   const bool behindLine = !blank || (!startsLine && endsLine(position + 1));

@@ -26,20 +26,18 @@ std::string_view LayerKey(const char *text) {
 Flow Interpreter::BeginMarkedContent(const Statement &statement) {
   const std::string_view key = LayerKey(statement.text);
   if (key.empty()) return Flow::kNext;
-  LayerUse *layer = context_->resources.FindLayer(key);
-  currentLayer_ = layer ? std::u16string_view(layer->name) : kDefaultLayer;
+  LayerUse *layer = drawing_.content->resources.FindLayer(key);
+  sink_.layer = layer ? std::u16string_view(layer->name) : kDefaultLayer;
   if (!layer || layer->announced) return Flow::kNext;
   layer->announced = true;
-  const uint32_t color = state_.strokeColor == KAPDF_COLOR_BY_LAYER ? KAPDF_COLOR_BLACK : state_.strokeColor;
-  FillLayerBlock(layer->name, color);
-  StartDefinition(ElemLayerDef, &blocks_.layer, sizeof blocks_.layer);
-  record_->color = color;
-  CopyName(record_->layerName, layer->name);
+  const uint32_t color =
+      drawing_.state.strokeColor == KAPDF_COLOR_BY_LAYER ? KAPDF_COLOR_BLACK : drawing_.state.strokeColor;
+  sink_.DefineLayer(layer->name, color);
   return Flow::kRecord;
 }
 
 Flow Interpreter::EndMarkedContent(const Statement &) {
-  currentLayer_ = kDefaultLayer;
+  sink_.layer = kDefaultLayer;
   return Flow::kNext;
 }
 

@@ -1,164 +1,151 @@
 #include "content/operators.h"
 
+#include <array>
+
 #include "content/interpreter.h"
 
 namespace kapdf {
 namespace {
 
 using I = Interpreter;
+using C = ColorOperators;
+using P = PathPainter;
+using T = TextShow;
+
+template <class Part>
+Part PartOf(Flow (Part::*)(const Statement &));
+
+// A handler that is a member of one of the interpreter's parts.
+template <auto Method>
+Flow On(Interpreter &interpreter, const Statement &statement) {
+  using Part = decltype(PartOf(Method));
+  return (interpreter.template Part<Part>().*Method)(statement);
+}
+
+using enum Operands;
 
 // clang-format off
 constexpr OperatorRow kOperators[] = {
-    {"\"", 18, nullptr, &I::SpacedNextLineShow},
-    {"%", 1, nullptr, nullptr},
-    {"'", 17, nullptr, &I::NextLineShow},
-    {"B", 8, &I::FillStroke, nullptr},
-    {"B*", 9, &I::FillStrokeEvenOdd, nullptr},
-    {"BDC", 51, &I::BeginMarkedContent, nullptr},
-    {"BI", 48, &I::InlineImage, nullptr},
-    {"BMC", 52, nullptr, nullptr},
-    {"BT", 14, &I::BeginText, nullptr},
-    {"BX", 1, nullptr, nullptr},
-    {"CS", 39, &I::StrokeColorSpace, &I::StrokeColorSpace},
-    {"DP", 1, nullptr, nullptr},
-    {"Do", 30, &I::PaintXObject, nullptr},
-    {"EI", 49, nullptr, nullptr},
-    {"EMC", 53, &I::EndMarkedContent, nullptr},
-    {"ET", 15, nullptr, &I::EndText},
-    {"EX", 1, nullptr, nullptr},
-    {"F", 6, &I::Fill, nullptr},
-    {"G", 42, &I::StrokeGray, &I::StrokeGray},
-    {"ID", 1, nullptr, nullptr},
-    {"J", 1, nullptr, nullptr},
-    {"K", 44, &I::StrokeCmyk, &I::StrokeCmyk},
-    {"M", 1, nullptr, nullptr},
-    {"MP", 1, nullptr, nullptr},
-    {"Q", 3, &I::PopState, nullptr},
-    {"RG", 31, &I::StrokeRgb, &I::StrokeRgb},
-    {"S", 12, &I::Stroke, nullptr},
-    {"SC", 46, &I::StrokeColor, &I::StrokeColor},
-    {"SCN", 46, &I::StrokeColor, &I::StrokeColor},
-    {"T*", 27, nullptr, &I::NextLine},
-    {"TD", 24, nullptr, &I::MoveTextSetLeading},
-    {"TJ", 16, nullptr, &I::ShowText},
-    {"TL", 26, &I::Leading, &I::Leading},
-    {"Tc", 22, &I::CharSpacing, &I::CharSpacing},
-    {"Td", 23, nullptr, &I::MoveText},
-    {"Tf", 19, &I::SelectFont, &I::SelectFont},
-    {"Tj", 16, nullptr, &I::ShowText},
-    {"Tm", 25, nullptr, &I::TextMatrix},
-    {"Tr", 28, &I::RenderMode, &I::RenderMode},
-    {"Ts", 1, nullptr, nullptr},
-    {"Tw", 21, &I::WordSpacing, &I::WordSpacing},
-    {"Tz", 20, &I::HorizontalScale, &I::HorizontalScale},
-    {"W", 1, nullptr, nullptr},
-    {"W*", 1, nullptr, nullptr},
-    {"b", 10, &I::CloseFillStroke, nullptr},
-    {"b*", 11, &I::CloseFillStrokeEvenOdd, nullptr},
-    {"c", 35, &I::CurveTo, nullptr},
-    {"cm", 29, &I::ConcatenateMatrix, nullptr},
-    {"cs", 40, &I::FillColorSpace, &I::FillColorSpace},
-    {"d", 54, &I::Dash, nullptr},
-    {"d0", 1, nullptr, nullptr},
-    {"d1", 1, nullptr, nullptr},
-    {"f", 6, &I::Fill, nullptr},
-    {"f*", 7, &I::FillEvenOdd, nullptr},
-    {"g", 43, &I::FillGray, &I::FillGrayInText},
-    {"gs", 50, &I::StateParameters, &I::StateParametersInText},
-    {"h", 34, &I::ClosePath, nullptr},
-    {"i", 1, nullptr, nullptr},
-    {"j", 1, nullptr, nullptr},
-    {"k", 45, &I::FillCmyk, &I::FillCmykInText},
-    {"l", 5, &I::LineTo, nullptr},
-    {"m", 4, &I::MoveTo, nullptr},
-    {"n", 41, &I::DiscardPath, nullptr},
-    {"q", 2, &I::PushState, nullptr},
-    {"re", 38, &I::Rectangle, nullptr},
-    {"rg", 32, &I::FillRgb, &I::FillRgbInText},
-    {"ri", 1, nullptr, nullptr},
-    {"s", 13, &I::CloseStroke, nullptr},
-    {"sc", 47, &I::FillColor, &I::FillColorInText},
-    {"scn", 47, &I::FillColor, &I::FillColorInText},
-    {"sh", 1, nullptr, nullptr},
-    {"v", 37, &I::CurveFromCurrent, nullptr},
-    {"w", 33, &I::LineWidth, nullptr},
-    {"y", 36, &I::CurveToEnd, nullptr},
+    {"\"", 18, kText, nullptr, On<&T::SpacedNextLineShow>},
+    {"%", 1, kText, nullptr, nullptr},
+    {"'", 17, kText, nullptr, On<&T::NextLineShow>},
+    {"B", 8, kNone, On<&P::FillStroke>, nullptr},
+    {"B*", 9, kNone, On<&P::FillStroke>, nullptr},
+    {"BDC", 51, kText, On<&I::BeginMarkedContent>, nullptr},
+    {"BI", 48, kText, On<&I::InlineImage>, nullptr},
+    {"BMC", 52, kText, nullptr, nullptr},
+    {"BT", 14, kText, On<&T::BeginText>, nullptr},
+    {"BX", 1, kText, nullptr, nullptr},
+    {"CS", 39, kText, On<&C::StrokeColorSpace>, On<&C::StrokeColorSpace>},
+    {"DP", 1, kText, nullptr, nullptr},
+    {"Do", 30, kText, On<&I::PaintXObject>, nullptr},
+    {"EI", 49, kText, nullptr, nullptr},
+    {"EMC", 53, kNone, On<&I::EndMarkedContent>, nullptr},
+    {"ET", 15, kText, nullptr, On<&T::EndText>},
+    {"EX", 1, kText, nullptr, nullptr},
+    {"F", 6, kNone, On<&P::Fill>, nullptr},
+    {"G", 42, kNumbers, On<&C::StrokeGray>, On<&C::StrokeGray>},
+    {"ID", 1, kText, nullptr, nullptr},
+    {"J", 1, kNumbers, nullptr, nullptr},
+    {"K", 44, kNumbers, On<&C::StrokeCmyk>, On<&C::StrokeCmyk>},
+    {"M", 1, kNumbers, nullptr, nullptr},
+    {"MP", 1, kText, nullptr, nullptr},
+    {"Q", 3, kNone, On<&I::PopState>, nullptr},
+    {"RG", 31, kNumbers, On<&C::StrokeRgb>, On<&C::StrokeRgb>},
+    {"S", 12, kNone, On<&P::Stroke>, nullptr},
+    {"SC", 46, kNumbers, On<&C::StrokeColor>, On<&C::StrokeColorInText>},
+    {"SCN", 46, kNumbers, On<&C::StrokeColor>, On<&C::StrokeColorInText>},
+    {"T*", 27, kNone, nullptr, On<&T::NextLine>},
+    {"TD", 24, kNumbers, nullptr, On<&T::MoveTextSetLeading>},
+    {"TJ", 16, kText, nullptr, On<&T::ShowText>},
+    {"TL", 26, kNumbers, On<&T::Leading>, On<&T::Leading>},
+    {"Tc", 22, kNumbers, On<&T::CharSpacing>, On<&T::CharSpacing>},
+    {"Td", 23, kNumbers, nullptr, On<&T::MoveText>},
+    {"Tf", 19, kText, On<&T::SelectFont>, On<&T::SelectFont>},
+    {"Tj", 16, kText, nullptr, On<&T::ShowText>},
+    {"Tm", 25, kNumbers, nullptr, On<&T::TextMatrix>},
+    {"Tr", 28, kNumbers, On<&T::RenderMode>, On<&T::RenderMode>},
+    {"Ts", 1, kText, nullptr, nullptr},
+    {"Tw", 21, kNumbers, On<&T::WordSpacing>, On<&T::WordSpacing>},
+    {"Tz", 20, kNumbers, On<&T::HorizontalScale>, On<&T::HorizontalScale>},
+    {"W", 1, kNumbers, nullptr, nullptr},
+    {"W*", 1, kNumbers, nullptr, nullptr},
+    {"b", 10, kNone, On<&P::CloseFillStroke>, nullptr},
+    {"b*", 11, kNone, On<&P::CloseFillStroke>, nullptr},
+    {"c", 35, kNumbers, On<&P::CurveTo>, nullptr},
+    {"cm", 29, kNumbers, On<&I::ConcatenateMatrix>, nullptr},
+    {"cs", 40, kText, On<&C::FillColorSpace>, On<&C::FillColorSpace>},
+    {"d", 54, kText, On<&I::Dash>, nullptr},
+    {"d0", 1, kText, nullptr, nullptr},
+    {"d1", 1, kText, nullptr, nullptr},
+    {"f", 6, kNone, On<&P::Fill>, nullptr},
+    {"f*", 7, kNone, On<&P::FillEvenOdd>, nullptr},
+    {"g", 43, kNumbers, On<&C::FillGray>, On<&C::FillGrayInText>},
+    {"gs", 50, kText, On<&I::StateParameters>, On<&I::StateParametersInText>},
+    {"h", 34, kNone, On<&P::ClosePath>, nullptr},
+    {"i", 1, kNumbers, nullptr, nullptr},
+    {"j", 1, kNumbers, nullptr, nullptr},
+    {"k", 45, kNumbers, On<&C::FillCmyk>, On<&C::FillCmykInText>},
+    {"l", 5, kNumbers, On<&P::LineTo>, nullptr},
+    {"m", 4, kNumbers, On<&P::MoveTo>, nullptr},
+    {"n", 41, kNone, On<&P::DiscardPath>, nullptr},
+    {"q", 2, kNone, On<&I::PushState>, nullptr},
+    {"re", 38, kNumbers, On<&P::Rectangle>, nullptr},
+    {"rg", 32, kNumbers, On<&C::FillRgb>, On<&C::FillRgbInText>},
+    {"ri", 1, kText, nullptr, nullptr},
+    {"s", 13, kNone, On<&P::CloseStroke>, nullptr},
+    {"sc", 47, kNumbers, On<&C::FillColor>, On<&C::FillColorInText>},
+    {"scn", 47, kNumbers, On<&C::FillColor>, On<&C::FillColorInText>},
+    {"sh", 1, kText, nullptr, nullptr},
+    {"v", 37, kNumbers, On<&P::CurveFromCurrent>, nullptr},
+    {"w", 33, kNumbers, On<&I::LineWidth>, nullptr},
+    {"y", 36, kNumbers, On<&P::CurveToEnd>, nullptr},
 };
 // clang-format on
 static_assert(std::size(kOperators) == 74);
 
-// Operators by their bytes: one, two, and the handful of three.
+// Rows by their bytes, one more than their place: one byte, two, and the handful of three.
 struct Index {
   std::array<uint8_t, 128> one{};
   std::array<uint8_t, 128 * 128> two{};
-  std::array<OperatorHandler, kOperatorNumbers> outside{}, inside{};
 
   constexpr Index() {
-    for (const OperatorRow &row : kOperators) {
-      const auto first = static_cast<unsigned char>(row.text[0]);
-      if (row.text.size() == 1) one[first] = row.number;
-      if (row.text.size() == 2) two[first * 128u + static_cast<unsigned char>(row.text[1])] = row.number;
-      outside[row.number] = row.outside;
-      inside[row.number] = row.inside;
+    for (size_t i = 0; i < std::size(kOperators); ++i) {
+      const std::string_view text = kOperators[i].text;
+      const auto first = static_cast<unsigned char>(text[0]);
+      if (text.size() == 1) one[first] = static_cast<uint8_t>(i + 1);
+      if (text.size() == 2) two[first * 128u + static_cast<unsigned char>(text[1])] = static_cast<uint8_t>(i + 1);
     }
   }
 };
 constexpr Index kIndex;
 
-// Operators that take a name, a string, an array or the bytes behind them.
-constexpr bool TakesMoreThanNumbers(uint8_t number) {
-  switch (number) {
-    case 14:
-    case 15:
-    case 16:
-    case 17:
-    case 18:
-    case 19:
-    case 30:
-    case 39:
-    case 40:
-    case 48:
-    case 49:
-    case 50:
-    case 51:
-    case 52:
-    case 54:
-      return true;
-    default:
-      return false;
-  }
+const OperatorRow *RowAt(unsigned place) { return place == 0 ? nullptr : &kOperators[place - 1]; }
+const OperatorRow *Plain(const OperatorRow *row) { return row && row->operands != kText ? row : nullptr; }
+
+const OperatorRow *FindRow(char first) {
+  const auto a = static_cast<unsigned char>(first);
+  return a < 128 ? RowAt(kIndex.one[a]) : nullptr;
+}
+
+const OperatorRow *FindRow(char first, char second) {
+  const auto a = static_cast<unsigned char>(first), b = static_cast<unsigned char>(second);
+  return a < 128 && b < 128 ? RowAt(kIndex.two[a * 128u + b]) : nullptr;
 }
 
 }  // namespace
 
-uint8_t FindOperatorNumber(const char *text, size_t length) {
-  const auto a = static_cast<unsigned char>(text[0]);
-  if (length == 1) return a < 128 ? kIndex.one[a] : 0;
-  const auto b = static_cast<unsigned char>(text[1]);
-  if (length == 2) return a < 128 && b < 128 ? kIndex.two[a * 128u + b] : 0;
-  if (length != 3) return 0;
+const OperatorRow *FindOperatorRow(std::string_view text) {
+  if (text.size() == 1) return FindRow(text[0]);
+  if (text.size() == 2) return FindRow(text[0], text[1]);
+  if (text.size() != 3) return nullptr;
   for (const OperatorRow &row : kOperators) {
-    if (row.text.size() == 3 && row.text == std::string_view(text, 3)) return row.number;
+    if (row.text.size() == 3 && row.text == text) return &row;
   }
-  return 0;
+  return nullptr;
 }
 
-uint8_t FindPlainOperator(char first) {
-  const auto byte = static_cast<unsigned char>(first);
-  const uint8_t number = byte < 128 && first != '%' ? kIndex.one[byte] : 0;
-  return TakesMoreThanNumbers(number) ? 0 : number;
-}
-
-uint8_t FindPlainOperator(char first, char second) {
-  const auto a = static_cast<unsigned char>(first), b = static_cast<unsigned char>(second);
-  if (a >= 128 || b >= 128) return 0;
-  const uint8_t number = kIndex.two[a * 128u + b];
-  // Of the ignored ones only W* cannot stand beside a name or binary data.
-  if (TakesMoreThanNumbers(number) || (number == 1 && second != '*')) return 0;
-  return number;
-}
-
-OperatorHandler HandlerOutside(uint8_t number) { return kIndex.outside[number]; }
-OperatorHandler HandlerInside(uint8_t number) { return kIndex.inside[number]; }
+const OperatorRow *FindPlainOperator(char first) { return Plain(FindRow(first)); }
+const OperatorRow *FindPlainOperator(char first, char second) { return Plain(FindRow(first, second)); }
 
 }  // namespace kapdf

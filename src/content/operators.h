@@ -1,7 +1,6 @@
 // The operators of content, in one table.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -17,12 +16,16 @@ enum class Flow {
   kPaint    // paths wait to be handed out
 };
 
-using OperatorHandler = Flow (Interpreter::*)(const Statement &);
+using OperatorHandler = Flow (*)(Interpreter &, const Statement &);
+
+// What a handler reads of its statement. Where that is no more than numbers, the statement may come without a text.
+enum class Operands : uint8_t { kNone, kNumbers, kText };
 
 // `number` groups operators that share their effect. A missing handler means that the operator is taken and ignored.
 struct OperatorRow {
   std::string_view text;
   uint8_t number;
+  Operands operands;
   OperatorHandler outside;  // text objects
   OperatorHandler inside;
 };
@@ -30,19 +33,13 @@ struct OperatorRow {
 inline constexpr uint8_t kOpSaveState = 2;
 inline constexpr uint8_t kOpRestoreState = 3;
 inline constexpr uint8_t kOpRectangle = 38;
-inline constexpr uint8_t kOpEndText = 15;
 inline constexpr uint8_t kOpEndImage = 49;
-inline constexpr int kOperatorNumbers = 55;
 
-// Number of the operator spelled by the bytes, 0 for none.
-uint8_t FindOperatorNumber(const char *text, size_t length);
+// The row of the operator spelled by the text, null for none.
+const OperatorRow *FindOperatorRow(std::string_view text);
 
-// Number of an operator whose operands can only be plain numbers, 0 for any other one.
-uint8_t FindPlainOperator(char first);
-uint8_t FindPlainOperator(char first, char second);
-
-// Handlers by operator number.
-OperatorHandler HandlerOutside(uint8_t number);
-OperatorHandler HandlerInside(uint8_t number);
+// The row of an operator that takes no more than numbers, null for any other one.
+const OperatorRow *FindPlainOperator(char first);
+const OperatorRow *FindPlainOperator(char first, char second);
 
 }  // namespace kapdf

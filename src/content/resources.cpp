@@ -4,13 +4,12 @@
 #include <cstring>
 
 #include "base/scan.h"
+#include "base/units.h"
 #include "content/form_object.h"
 #include "platform/text.h"
 
 namespace kapdf {
 namespace {
-
-constexpr double kMillimetresPerPoint = 25.4 / 72.0;
 
 constexpr size_t kLayerName = 255;  // UTF-16 units
 

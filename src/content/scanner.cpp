@@ -110,12 +110,12 @@ void SkipDictionary(char *&at) {
   SkipPastDictionary(at);
 }
 
-uint8_t FindOperator(char *text, char *&remainder) {
+const OperatorRow *FindOperator(char *text, char *&remainder) {
   OperatorSearch search;
   return FindOperator(text, remainder, search);
 }
 
-uint8_t FindOperator(char *text, char *&remainder, OperatorSearch &search) {
+const OperatorRow *FindOperator(char *text, char *&remainder, OperatorSearch &search) {
   remainder = nullptr;
   char *at = text + search.from;
   for (;;) {
@@ -125,29 +125,29 @@ uint8_t FindOperator(char *text, char *&remainder, OperatorSearch &search) {
     }
     if (*at == 0) {
       search.from = static_cast<size_t>(at - text);
-      return 0;
+      return nullptr;
     }
     search.within = Enter(at);
     if (search.within != Within::kNothing) continue;
     const size_t length = WordLength(at);
     const char *word = at;
     at += length;
-    const uint8_t number = length <= kOperatorBytes ? FindOperatorNumber(word, length) : 0;
-    if (number == 0) continue;
+    const OperatorRow *row = length <= kOperatorBytes ? FindOperatorRow({word, length}) : nullptr;
+    if (!row) continue;
     if (*at == ' ' || *at == '\r' || *at == '\n') {
       *at++ = 0;
       remainder = *at ? at : nullptr;
     } else if (*at) {
       remainder = at;
     }
-    return number;
+    return row;
   }
 }
 
 bool StartsWithOperator(const char *text) {
   if (EndsWord(*text)) return false;
   const size_t length = WordLength(text, kOperatorBytes + 1);
-  return length <= kOperatorBytes && FindOperatorNumber(text, length) != 0;
+  return length <= kOperatorBytes && FindOperatorRow({text, length});
 }
 
 }  // namespace kapdf

@@ -14,11 +14,13 @@ struct OperatorSearch {
   Within within = Within::kNothing;
 };
 
-// The number of the first operator in the text, 0 for none. The text is cut behind it, and `remainder` is set to what
+struct OperatorRow;
+
+// The row of the first operator in the text, null for none. The text is cut behind it, and `remainder` is set to what
 // follows, or null at the end. Strings, arrays and dictionaries are passed over. A word ends at a blank, a bracket or
 // an inner slash only: a TAB glues words together.
-uint8_t FindOperator(char *text, char *&remainder);
-uint8_t FindOperator(char *text, char *&remainder, OperatorSearch &search);
+const OperatorRow *FindOperator(char *text, char *&remainder);
+const OperatorRow *FindOperator(char *text, char *&remainder, OperatorSearch &search);
 
 // True when the word that starts at the text is an operator.
 bool StartsWithOperator(const char *text);

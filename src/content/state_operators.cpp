@@ -30,24 +30,24 @@ void StateStack::Pop(GraphicsState &state) {
 }
 
 Flow Interpreter::PushState(const Statement &) {
-  stack_.Push(state_);
+  stack_.Push(drawing_.state);
   return Flow::kNext;
 }
 
 Flow Interpreter::PopState(const Statement &) {
-  stack_.Pop(state_);
-  RestoreDecoding();
+  stack_.Pop(drawing_.state);
+  text_.RestoreDecoding();
   return Flow::kNext;
 }
 
 Flow Interpreter::ConcatenateMatrix(const Statement &statement) {
   double v[6];
-  if (statement.Reals(v, 6) == 6) state_.ctm = Affine{v[0], v[1], v[2], v[3], v[4], v[5]} * state_.ctm;
+  if (statement.Reals(v, 6) == 6) drawing_.state.ctm = Affine{v[0], v[1], v[2], v[3], v[4], v[5]} * drawing_.state.ctm;
   return Flow::kNext;
 }
 
 Flow Interpreter::LineWidth(const Statement &statement) {
-  statement.Reals(&state_.lineWidth, 1);
+  statement.Reals(&drawing_.state.lineWidth, 1);
   return Flow::kNext;
 }
 
@@ -60,43 +60,35 @@ Flow Interpreter::Dash(const Statement &statement) {
   std::string_view pattern(start, end ? static_cast<size_t>(end - start) : std::strlen(start));
   pattern = pattern.substr(0, kDashText);
   if (pattern.find_first_not_of(' ') == std::string_view::npos) {
-    currentLineStyle_ = u"Continuous";
+    sink_.lineStyle = kContinuous;
     return Flow::kNext;
   }
-  const auto [style, isNew] = context_->lineStyles.Find(pattern);
-  currentLineStyle_ = style->name;
+  const auto [style, isNew] = drawing_.content->lineStyles.Find(pattern);
+  sink_.lineStyle = style->name;
   if (!isNew) return Flow::kNext;
-  blocks_.lineTypeName = style->name;
-  blocks_.lineType = {};
-  blocks_.lineType.name = blocks_.lineTypeName.data();
-  FillLineType(style->pattern, blocks_.lineType);
-  StartDefinition(ElemLineTypeDef, &blocks_.lineType, sizeof blocks_.lineType);
-  CopyName(record_->styleName, style->name);
+  FillLineType(style->pattern, sink_.DefineLineType(style->name));
   return Flow::kRecord;
 }
 
 // The parameters that the statement names, from the context at hand or the nearest one around it; null when none has
 // them.
-const ExtGState *Interpreter::FindState(const Statement &statement) {
+const ExtGState *Interpreter::FindState(const Statement &statement) const {
   std::string_view name = statement.Word().substr(0, kNameText);
   if (name.empty()) return nullptr;
   name.remove_prefix(1);  // the slash
-  for (CPDFContentStream *context = context_; context; context = context->parent) {
-    if (const ExtGState *found = context->resources.FindExtGState(name)) return found;
-  }
-  return nullptr;
+  return drawing_.FindOutwards([&](PageResources &resources) { return resources.FindExtGState(name); });
 }
 
 Flow Interpreter::StateParameters(const Statement &statement) {
   if (const ExtGState *found = FindState(statement)) {
-    state_.alpha = found->alpha;
-    state_.lineWidth = found->lineWidth;
+    drawing_.state.alpha = found->alpha;
+    drawing_.state.lineWidth = found->lineWidth;
   }
   return Flow::kNext;
 }
 
 Flow Interpreter::StateParametersInText(const Statement &statement) {
-  if (const ExtGState *found = FindState(statement)) state_.alpha = found->alpha;
+  if (const ExtGState *found = FindState(statement)) drawing_.state.alpha = found->alpha;
   return Flow::kNext;
 }
 

@@ -1,17 +1,29 @@
 // One statement in a handler's hands.
 #pragma once
 
+#include <array>
 #include <string_view>
 
+#include "base/ascii.h"
 #include "base/scan.h"
-#include "content/content_stream.h"
 
 namespace kapdf {
 
-// Either plain numbers, read already, or the text from its first character that is not a blank to its operator.
+struct OperatorRow;
+
+// Numbers and one operator, taken from the content where they stand.
+struct PlainStatement {
+  static constexpr int kOperands = 6;
+  std::array<double, kOperands> values;
+  int count = 0;
+};
+
+// Either plain numbers, read already, or the text from its first character that is not a blank to its operator. The
+// text is never null.
 struct Statement {
-  const char *text = nullptr;
+  const char *text = "";
   const PlainStatement *plain = nullptr;
+  const OperatorRow *row = nullptr;  // null when the text holds no operator: nothing happens then
 
   // Reads up to `wanted` numbers from the start and gives how many there were.
   int Reals(double *values, int wanted) const {
@@ -29,7 +41,6 @@ struct Statement {
 
   // The first word of the text, empty for plain numbers.
   std::string_view Word() const {
-    if (plain) return {};
     const char *at = text;
     SkipSpaces(at);
     const char *end = at;

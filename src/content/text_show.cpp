@@ -1,16 +1,17 @@
 // Showing text: bytes of strings become runs of characters, cut where the layout shows a gap.
+#include "content/text_show.h"
+
 #include <cmath>
 #include <cstring>
 #include <utility>
 
 #include "base/ascii.h"
 #include "base/scan.h"
-#include "content/interpreter.h"
+#include "base/units.h"
 
 namespace kapdf {
 namespace {
 
-constexpr double kMillimetresPerPoint = 25.4 / 72.0;
 constexpr double kMissingWidth = 0.5;   // em of a character whose font tells none
 constexpr double kMissingHeight = 1.4;  // font size by height, without a font
 constexpr double kWideBlank = 1.0;      // word spacing and a blank's width beyond which words are runs of their own
@@ -85,34 +86,32 @@ double Finite(double value, double otherwise) { return std::isfinite(value) ? va
 
 }  // namespace
 
-Flow Interpreter::ShowText(const Statement &statement) {
-  if (!statement.text) return Flow::kNext;
+Flow TextShow::ShowText(const Statement &statement) {
   Show(statement.text);
-  return text_.lastRecord ? Flow::kRecord : Flow::kNext;
+  return sink_.filled() ? Flow::kRecord : Flow::kNext;
 }
 
-Flow Interpreter::NextLineShow(const Statement &statement) {
-  MoveLine(0, -state_.leading);
+Flow TextShow::NextLineShow(const Statement &statement) {
+  MoveLine(0, -drawing_.state.leading);
   return ShowText(statement);
 }
 
 // Of the three operands the second has no effect, and the string ends at its first blank.
-Flow Interpreter::SpacedNextLineShow(const Statement &statement) {
-  if (!statement.text) return Flow::kNext;
+Flow TextShow::SpacedNextLineShow(const Statement &statement) {
   const char *at = statement.text;
   double spacing, unused;
   if (!ScanReal(at, spacing) || !ScanReal(at, unused)) return Flow::kNext;
-  state_.wordSpacing = spacing;
+  drawing_.state.wordSpacing = spacing;
   SkipSpaces(at);
   const std::string word(at, std::strcspn(at, " "));
-  MoveLine(0, -state_.leading);
-  return ShowText(Statement{word.c_str(), nullptr});
+  MoveLine(0, -drawing_.state.leading);
+  return ShowText(Statement{word.c_str()});
 }
 
 // Strings of an array follow each other with numbers between them, thousandths of the font size that the pen goes back.
 // String upon string goes on in the run, and what is left at the end of the array goes out: both so that no text is
 // torn or lost.
-void Interpreter::Show(const char *at) {
+void TextShow::Show(const char *at) {
   text_.width = 0;
   int depth = 0;
   while (*at && !StartsWithShow(at)) {
@@ -126,8 +125,8 @@ void Interpreter::Show(const char *at) {
     if (depth > 0) {
       const size_t length = std::strcspn(at, "]<(");
       if (length > 0) {
-        adjust = RealFrom(std::string(at, std::min(length, kKernText)).c_str()) / 1000.0 * state_.fontSize;
-        if (kSmallKern * state_.fontSize * text_.current().widthFactor > std::fabs(adjust)) {
+        adjust = RealFrom(std::string(at, std::min(length, kKernText)).c_str()) / 1000.0 * drawing_.state.fontSize;
+        if (kSmallKern * drawing_.state.fontSize * text_.current().widthFactor > std::fabs(adjust)) {
           text_.width -= adjust;
           continue;
         }
@@ -145,7 +144,7 @@ void Interpreter::Show(const char *at) {
   if (!text_.current().text.empty()) EmitRun();
 }
 
-void Interpreter::ShowString(const char *first, const char *end, bool hex) {
+void TextShow::ShowString(const char *first, const char *end, bool hex) {
   const CPDFFontObject *font = text_.object();
   const bool composite = font && font->composite();
   const bool hasWidths = font && font->hasWidths();
@@ -169,32 +168,34 @@ void Interpreter::ShowString(const char *first, const char *end, bool hex) {
       if (character == 0) character = length == 2 ? page.Character(byte, second) : page.Character(byte);
     }
     const double em = hasWidths ? font->Width(code) : kMissingWidth;
-    AppendCharacter(character, (em * state_.fontSize + state_.charSpacing) * state_.horizontalScale,
+    AppendCharacter(character,
+                    (em * drawing_.state.fontSize + drawing_.state.charSpacing) * drawing_.state.horizontalScale,
                     hasWidths ? font->Width(' ') : kMissingWidth);
   }
 }
 
 // `width` in text space, `blank` in em. Blanks ahead of a run move the pen and are no text. One that ends a run is such
 // a blank, too: it counts once, and not in the run's own width. Inside a run word spacing counts in the advance.
-void Interpreter::AppendCharacter(char16_t character, double width, double blank) {
+void TextShow::AppendCharacter(char16_t character, double width, double blank) {
   TextPiece *piece = &text_.current();
   if (character == ' ') {
-    if (state_.wordSpacing + blank > kWideBlank && !piece->text.empty()) {
+    if (drawing_.state.wordSpacing + blank > kWideBlank && !piece->text.empty()) {
       EmitRun();
       text_.pen = 0;
       piece = &text_.current();
     }
     if (piece->text.empty()) {
       text_.width = 0;
-      text_.pen += (blank * state_.fontSize + state_.wordSpacing + state_.charSpacing) * state_.horizontalScale;
+      text_.pen += (blank * drawing_.state.fontSize + drawing_.state.wordSpacing + drawing_.state.charSpacing) *
+                   drawing_.state.horizontalScale;
       return;
     }
-    width += state_.wordSpacing * state_.horizontalScale;
+    width += drawing_.state.wordSpacing * drawing_.state.horizontalScale;
   }
   text_.width += width;
   if (character == 0) return;
   piece->text += character;
-  if (state_.charSpacing > kWideSpacing) {
+  if (drawing_.state.charSpacing > kWideSpacing) {
     EmitRun();
     text_.pen = 0;
   }
@@ -202,10 +203,10 @@ void Interpreter::AppendCharacter(char16_t character, double width, double blank
 
 // Ends the run and starts the next piece. False for a run whose origin lies outside the clip box: it is dropped and the
 // pen stays.
-bool Interpreter::EmitRun() {
+bool TextShow::EmitRun() {
   TextPiece &piece = text_.current();
   const double runWidth = std::exchange(text_.width, 0.0);
-  const Affine m = Affine{1, 0, 0, 1, text_.pen, 0} * text_.line * state_.ctm;
+  const Affine m = Affine{1, 0, 0, 1, text_.pen, 0} * text_.line * drawing_.state.ctm;
   TextPayload &text = piece.payload;
   text = {};
   text.angle = Finite(std::atan2(m.b, m.a), 0);
@@ -224,11 +225,11 @@ bool Interpreter::EmitRun() {
   const CPDFFontObject *font = text_.object();
   const double heightFactor = font ? font->look().heightRatio : kMissingHeight;
   const double factor = piece.widthFactor;
-  text.height = Finite(std::fabs(state_.fontSize * std::fabs(sy) / heightFactor * kMillimetresPerPoint), 0);
+  text.height = Finite(std::fabs(drawing_.state.fontSize * std::fabs(sy) / heightFactor * kMillimetresPerPoint), 0);
   text.widthFactor = Finite(std::fabs(factor) * (sy == 0 ? 1.0 : Finite(std::fabs(sx / sy), 1)), 1);
-  const PageBox &box = context_->clipBox;
+  const PageBox &box = drawing_.content->clipBox;
   const bool outside = m.e < box.left || m.e > box.right || m.f < box.bottom || m.f > box.top;
-  if ((settings_.clipping && outside) || !std::isfinite(m.e) || !std::isfinite(m.f)) {
+  if ((drawing_.settings.clipping && outside) || !std::isfinite(m.e) || !std::isfinite(m.f)) {
     piece.text.clear();
     return false;
   }
@@ -236,8 +237,8 @@ bool Interpreter::EmitRun() {
   text.y = m.f * kMillimetresPerPoint;
   double advance = text_.pen + runWidth;
   if (!(runWidth > 0.001)) {
-    advance = static_cast<double>(piece.text.size()) * state_.fontSize * text.widthFactor * heightFactor *
-                  (1 + state_.charSpacing) +
+    advance = static_cast<double>(piece.text.size()) * drawing_.state.fontSize * text.widthFactor * heightFactor *
+                  (1 + drawing_.state.charSpacing) +
               text_.pen;
   }
   StartTextRecord(piece);
@@ -251,47 +252,28 @@ bool Interpreter::EmitRun() {
   return true;
 }
 
-// The next record of the call: the host's own, then one of ours behind the last one.
-void Interpreter::ChainRecord(ElementRecord &spare) {
-  ElementRecord *target = record_;
-  if (text_.lastRecord) {
-    InitializeRecord(spare);
-    target = &spare;
-    text_.lastRecord->next = target;
-  }
-  text_.lastRecord = target;
+void TextShow::AnnounceHiddenLayer() {
+  static char16_t name[] = u"PDF_HiddenText";
+  text_.hiddenLayerSent = true;
+  sink_.Chain(text_.hiddenLayer);
+  FillLayerBlock(text_.hiddenLayerBlock, name, KAPDF_COLOR_BLACK);
+  text_.hiddenLayerBlock.layerOff = 1;
+  sink_.StartDefinition(ElemLayerDef, &text_.hiddenLayerBlock, sizeof text_.hiddenLayerBlock);
+  sink_.record().color = KAPDF_COLOR_BLACK;
+  CopyName(sink_.record().layerName, name);
 }
 
-void Interpreter::StartTextRecord(TextPiece &piece) {
-  static constexpr char16_t kHiddenLayer[] = u"PDF_HiddenText";
-  ElementRecord *const host = record_;
-  const bool hidden = state_.renderMode == kHiddenText;
-  if (hidden && !text_.hiddenLayerSent) {
-    static char16_t name[] = u"PDF_HiddenText", continuous[] = u"Continuous";
-    text_.hiddenLayerSent = true;
-    ChainRecord(text_.hiddenLayer);
-    text_.hiddenLayerBlock = {};
-    text_.hiddenLayerBlock.name = name;
-    text_.hiddenLayerBlock.lineType = continuous;
-    text_.hiddenLayerBlock.color = KAPDF_COLOR_BLACK;
-    text_.hiddenLayerBlock.width = -2.0;
-    text_.hiddenLayerBlock.layerOff = 1;
-    record_ = text_.lastRecord;
-    StartDefinition(ElemLayerDef, &text_.hiddenLayerBlock, sizeof text_.hiddenLayerBlock);
-    record_->color = KAPDF_COLOR_BLACK;
-    CopyName(record_->layerName, kHiddenLayer);
-    record_ = host;
-  }
-  ChainRecord(piece.record);
-  record_ = text_.lastRecord;
+void TextShow::StartTextRecord(TextPiece &piece) {
+  const bool hidden = drawing_.state.renderMode == kHiddenText;
+  if (hidden && !text_.hiddenLayerSent) AnnounceHiddenLayer();
+  sink_.Chain(piece.record);
   TextPayload &text = piece.payload;
   text.text = piece.text.data();
   if (piece.face.empty()) piece.face = u"Text";
   text.fontName = piece.face.data();
-  StartRecord(ElemText, state_.fillColor, &text, sizeof text);
-  if (hidden) CopyName(record_->layerName, kHiddenLayer);
-  CopyName(record_->styleName, piece.face);
-  record_ = host;
+  sink_.Start(ElemText, drawing_.state.fillColor, &text, sizeof text);
+  if (hidden) CopyName(sink_.record().layerName, text_.hiddenLayerBlock.name);
+  CopyName(sink_.record().styleName, piece.face);
 }
 
 }  // namespace kapdf

@@ -39,7 +39,6 @@ struct TextState {
   std::vector<std::unique_ptr<TextPiece>> pieces;  // only grows
   size_t piece = 0;                                // the one that gathers characters; the ones before it have left
   double width = 0;                                // of those characters, text space
-  ElementRecord *lastRecord = nullptr;             // of the call under way
   ElementRecord hiddenLayer;                       // chained ahead of the first hidden text
   LayerDefPayload hiddenLayerBlock{};
   bool hiddenLayerSent = false;

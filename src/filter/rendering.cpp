@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/bytes.h"
-#include "content/record_blocks.h"
+#include "content/record_sink.h"
 #include "filter/filter.h"
 #include "platform/narrow_path.h"
 #include "platform/text.h"

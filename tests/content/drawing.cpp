@@ -8,7 +8,7 @@
 
 #include "base/bytes.h"
 #include "content/page_setup.h"
-#include "content/record_blocks.h"
+#include "content/record_sink.h"
 #include "support/opened_pdf.h"
 #include "support/pdf_builder.h"
 #include "support/row_text.h"

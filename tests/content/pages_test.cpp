@@ -6,7 +6,7 @@
 
 #include "base/bytes.h"
 #include "content/page_setup.h"
-#include "content/record_blocks.h"
+#include "content/record_sink.h"
 #include "drawing.h"
 #include "platform/file.h"
 #include "platform/settings.h"

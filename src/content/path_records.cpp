@@ -1,13 +1,12 @@
 // Handing out painted paths, one record a call.
 #include <cmath>
 
-#include "content/interpreter.h"
+#include "base/units.h"
+#include "content/path_painter.h"
 #include "geometry/recognition.h"
 
 namespace kapdf {
 namespace {
-
-constexpr double kMillimetresPerPoint = 25.4 / 72.0;
 
 // Copies a path's points and, when asked to, its first one behind them; gives how many values that makes.
 size_t CopyPoints(uint8_t *to, std::span<const double> path, bool close) {
@@ -30,79 +29,76 @@ double SignedArea(std::span<const double> path) {
   return area;
 }
 
-double Interpreter::RecordWidth() const {
-  const double width = state_.lineWidth * AxisScale(state_.ctm) * kMillimetresPerPoint;
+double PathPainter::RecordWidth() const {
+  const double width = drawing_.state.lineWidth * AxisScale(drawing_.state.ctm) * kMillimetresPerPoint;
   return std::isfinite(width) ? width : 0.0;
 }
 
-double Interpreter::OpacityPercent() const {
-  const double opacity = state_.alpha * context_->opacity * 100.0;
-  return std::isfinite(opacity) ? opacity : 0.0;
-}
-
 // True with the record filled. Without paths to hand out, or with none left of those that were, the loop may go on.
-bool Interpreter::EmitPending() {
+bool PathPainter::HandOut() {
   if (pendingPaths_ == 0) {
     ReleasePaths();
     pendingPaths_ = kIdle;
   }
   if (pendingPaths_ < 0) return false;
   if (pass_ == Pass::kStroke) {
-    EmitStroke();
+    HandOutStroke();
     return true;
   }
   if (!compound_ && !contoursChecked_) {
     contoursChecked_ = true;  // what holds for the list holds for every rest of it
     compound_ = ContoursTurnBothWays();
   }
-  if (!compound_) return EmitPolygon();
-  EmitCompoundPolygon();
+  if (!compound_) return HandOutPolygon();
+  HandOutCompoundPolygon();
   return true;
 }
 
 // Paths leave last first and stay in the list.
-void Interpreter::EmitStroke() {
+void PathPainter::HandOutStroke() {
   const std::span<const double> path = paths_.path(static_cast<size_t>(--pendingPaths_));
   const double width = RecordWidth();
   const bool complete = !closeContours_ || IsClosed(path);  // as it stands
   if (path.size() == 4 && complete) {
-    blocks_.line = {width, path[0], path[1], path[2], path[3]};
-    StartRecord(ElemLine, state_.strokeColor, &blocks_.line, sizeof blocks_.line);
+    sink_.blocks().line = {width, path[0], path[1], path[2], path[3]};
+    sink_.Start(ElemLine, drawing_.state.strokeColor, &sink_.blocks().line, sizeof sink_.blocks().line);
     return;
   }
   // The first path has room for the structure in front of its points; others are copied behind one.
   static_assert(sizeof(PolylinePayload) == CoordArray::kHeadBytes);
   const bool inPlace = pendingPaths_ == 0 && complete;
-  uint8_t *block = inPlace ? paths_.FirstBlock()
-                           : blocks_.polyline.Prepare(sizeof(PolylinePayload) + path.size_bytes() + 2 * sizeof(double));
+  uint8_t *block =
+      inPlace ? paths_.FirstBlock()
+              : sink_.blocks().polyline.Prepare(sizeof(PolylinePayload) + path.size_bytes() + 2 * sizeof(double));
   uint8_t *points = block + sizeof(PolylinePayload);
   const size_t values = inPlace ? path.size() : CopyPoints(points, path, closeContours_);
-  if (settings_.convertPoly && EmitCurve({reinterpret_cast<const double *>(points), values}, width)) return;
+  if (drawing_.settings.convertPoly && HandOutCurve({reinterpret_cast<const double *>(points), values}, width)) return;
   PolylinePayload polyline = {};
   polyline.width = width;
   polyline.vertexCount = static_cast<int32_t>(values / 2);
   polyline.vertices = reinterpret_cast<double *>(points);
   StoreAs(block, polyline);
-  StartRecord(ElemPolyline, state_.strokeColor, block, sizeof(PolylinePayload) + values * sizeof(double));
+  sink_.Start(ElemPolyline, drawing_.state.strokeColor, block, sizeof(PolylinePayload) + values * sizeof(double));
 }
 
 // True with the record filled when the points are those of a circle, an arc or an ellipse.
-bool Interpreter::EmitCurve(std::span<const double> points, double width) {
-  const RecognizedCurve curve = RecognizeCurve(points, settings_.fitTolerance);
+bool PathPainter::HandOutCurve(std::span<const double> points, double width) {
+  const RecognizedCurve curve = RecognizeCurve(points, drawing_.settings.fitTolerance);
   switch (curve.kind) {
     case RecognizedCurve::Kind::kNone:
       return false;
     case RecognizedCurve::Kind::kCircle:
-      blocks_.circle = {width, curve.centreX, curve.centreY, curve.a};
-      StartRecord(ElemCircle, state_.strokeColor, &blocks_.circle, sizeof blocks_.circle);
+      sink_.blocks().circle = {width, curve.centreX, curve.centreY, curve.a};
+      sink_.Start(ElemCircle, drawing_.state.strokeColor, &sink_.blocks().circle, sizeof sink_.blocks().circle);
       return true;
     case RecognizedCurve::Kind::kArc:
-      blocks_.arc = {width, curve.centreX, curve.centreY, curve.a, curve.end, curve.start};
-      StartRecord(ElemArc, state_.strokeColor, &blocks_.arc, sizeof blocks_.arc);
+      sink_.blocks().arc = {width, curve.centreX, curve.centreY, curve.a, curve.end, curve.start};
+      sink_.Start(ElemArc, drawing_.state.strokeColor, &sink_.blocks().arc, sizeof sink_.blocks().arc);
       return true;
     case RecognizedCurve::Kind::kEllipse:
-      blocks_.ellipse = {width, curve.centreX, curve.centreY, curve.a, curve.b, curve.rotation, curve.start, curve.end};
-      StartRecord(ElemEllipseArc, state_.strokeColor, &blocks_.ellipse, sizeof blocks_.ellipse);
+      sink_.blocks().ellipse = {width,   curve.centreX,  curve.centreY, curve.a,
+                                curve.b, curve.rotation, curve.start,   curve.end};
+      sink_.Start(ElemEllipseArc, drawing_.state.strokeColor, &sink_.blocks().ellipse, sizeof sink_.blocks().ellipse);
       return true;
   }
   return false;
@@ -110,7 +106,7 @@ bool Interpreter::EmitCurve(std::span<const double> points, double width) {
 
 // True when two contours that follow each other go round in opposite directions. The area that is remembered is cut to
 // a whole number of square millimetres, so a contour below one turns the test off for the next.
-bool Interpreter::ContoursTurnBothWays() const {
+bool PathPainter::ContoursTurnBothWays() const {
   double before = 0;
   for (size_t i = 0; paths_.count() > 1 && i < paths_.count(); ++i) {
     const double area = SignedArea(paths_.path(i));
@@ -121,14 +117,14 @@ bool Interpreter::ContoursTurnBothWays() const {
 }
 
 // Contours from `first` to `end`, each with its points, as one polygon.
-void Interpreter::FillPolygonRecord(size_t first, size_t end) {
+void PathPainter::FillPolygonRecord(size_t first, size_t end) {
   size_t values = 0;
   for (size_t i = first; i < end; ++i) {
     values += paths_.path(i).size() + (closeContours_ && !IsClosed(paths_.path(i)) ? 2 : 0);
   }
   const size_t contours = end - first;
   const size_t bytes = sizeof(FilledPolygonPayload) + values * sizeof(double) + (contours + 1) * sizeof(uint32_t);
-  uint8_t *block = blocks_.polygon.Prepare(bytes);
+  uint8_t *block = sink_.blocks().polygon.Prepare(bytes);
   uint8_t *points = block + sizeof(FilledPolygonPayload);
   uint8_t *starts = points + values * sizeof(double);
   FilledPolygonPayload polygon = {};
@@ -137,7 +133,7 @@ void Interpreter::FillPolygonRecord(size_t first, size_t end) {
   polygon.contourStarts = reinterpret_cast<uint32_t *>(starts);
   polygon.vertexCount = static_cast<int32_t>(values / 2);
   polygon.vertices = reinterpret_cast<double *>(points);
-  polygon.opacity = OpacityPercent();
+  polygon.opacity = drawing_.OpacityPercent();
   size_t value = 0;
   for (size_t i = first; i < end; ++i) {
     StoreAs(starts, static_cast<uint32_t>(value / 2));
@@ -146,13 +142,13 @@ void Interpreter::FillPolygonRecord(size_t first, size_t end) {
   }
   StoreAs(starts, static_cast<uint32_t>(value / 2));
   StoreAs(block, polygon);
-  StartRecord(ElemFilledPolygon, state_.fillColor, block, bytes);
+  sink_.Start(ElemFilledPolygon, drawing_.state.fillColor, block, bytes);
 }
 
-void Interpreter::EmitCompoundPolygon() {
+void PathPainter::HandOutCompoundPolygon() {
   closeContours_ = true;
   FillPolygonRecord(0, paths_.count());
-  if (state_.fillColor == state_.strokeColor || !alsoStroke_) {
+  if (drawing_.state.fillColor == drawing_.state.strokeColor || !alsoStroke_) {
     pendingPaths_ = 0;
   } else {
     pass_ = Pass::kStroke;  // later calls stroke every path of the list
@@ -162,7 +158,7 @@ void Interpreter::EmitCompoundPolygon() {
 
 // One contour, in list order. One of fewer than three points, left open by an earlier subpath, is dropped. False when
 // no contour was left.
-bool Interpreter::EmitPolygon() {
+bool PathPainter::HandOutPolygon() {
   while (pendingPaths_ > 0) {
     const size_t index = nextPolygon_++;
     --pendingPaths_;

@@ -1,0 +1,44 @@
+// What the parts of the interpreter share.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+#include "content/content_stream.h"
+#include "content/graphics_state.h"
+
+namespace kapdf {
+
+struct InterpreterSettings {
+  uint32_t imageFrame = 1;      // handed to the host with every raster
+  bool clipping = true;         // points outside the page's box are dropped
+  bool convertPoly = true;      // smooth polylines may become circles, arcs and ellipses
+  double fitTolerance = 0.002;  // of that recognition
+  int32_t codePage = 0;         // of fonts that imply none
+  double defaultTextWidth = 1;  // width factor of text before the content tells one
+  bool plainStatements =
+      true;  // numbers before an operator are taken straight from the content; the result is the same
+};
+
+// The content at hand, the state in force while it is read, and how the host wants it read.
+struct DrawingContext {
+  const InterpreterSettings settings;
+  CPDFContentStream *content;  // of the page, or of the form being drawn
+  GraphicsState state;
+
+  // The first thing that `find` gives for the resources at hand or of one of the contents around them; null for none.
+  template <class Find>
+  auto FindOutwards(Find find) const {
+    CPDFContentStream *around = content;
+    auto *found = find(around->resources);
+    while (!found && (around = around->parent)) found = find(around->resources);
+    return found;
+  }
+
+  double OpacityPercent() const {
+    const double opacity = state.alpha * content->opacity * 100.0;
+    return std::isfinite(opacity) ? opacity : 0.0;
+  }
+};
+
+}  // namespace kapdf
