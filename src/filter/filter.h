@@ -36,15 +36,20 @@ class CZVFilter {
   virtual uint32_t Extended(void *a, int32_t b, void *c);
 
  protected:
-  explicit CZVFilter(const char16_t *registryPath) : registryPath_(registryPath ? registryPath : u"") {}
+  explicit CZVFilter(const char16_t *registryPath)
+      : registryPath_(registryPath ? registryPath : u""), registryPathGiven_(registryPath != nullptr) {}
   CZVFilter(const CZVFilter &) = delete;
   CZVFilter &operator=(const CZVFilter &) = delete;
   ~CZVFilter() = default;
+
+  // As the host gave it: null and an empty path name the same settings here, but not necessarily to the host.
+  const char16_t *GivenRegistryPath() const { return registryPathGiven_ ? registryPath_.c_str() : nullptr; }
 
   ProgressObject *hostContext_ = nullptr;  // given to the open operations
   uint32_t currentSection_ = 0;
   std::unique_ptr<uint8_t[]> previewBitmap_;
   std::u16string registryPath_;
+  bool registryPathGiven_;
   uint32_t ioFailed_ = 0;
 };
 

@@ -15,6 +15,7 @@ using Kind = platform::FormField::Kind;
 
 constexpr const char16_t *kFilterPdf = u"\\Filter\\PDF", *kPdf = u"\\PDF", *kFilter = u"\\Filter";
 constexpr double kLargest = INT32_MAX;
+constexpr int kNoPlace = -1;
 
 std::string FixedText(double number) {
   char text[400];
@@ -36,13 +37,13 @@ struct OptionForm::Setting {
   double lowest, highest;
   uint32_t neededControl = 0;
   const char16_t *secondKey = nullptr;
+  int otherwise = kNoPlace;  // of a choice: place of what any other number means
 };
 
 const OptionForm::Setting OptionForm::kImportSettings[] = {
-    {FORM_AS_IMAGE, Kind::kChoice, kFilterPdf, u"AsImage", 0, 0, 1},
+    {FORM_AS_IMAGE, Kind::kChoice, kFilterPdf, u"AsImage", 0, 0, 1, 0, nullptr, 1},
     {FORM_DPI, Kind::kInteger, kFilterPdf, u"DPI", 200, 1, 9600, FORM_AS_IMAGE},
     {FORM_COLOR_DEPTH, Kind::kChoice, kFilterPdf, u"ColorDepth", 3, 2, 4, FORM_AS_IMAGE},
-    {FORM_COLOR_MODE, Kind::kInteger, kFilterPdf, u"ColorMode", 1, 0, 99, FORM_AS_IMAGE},
     {FORM_DITHER, Kind::kInteger, kFilterPdf, u"Dither", 0, 0, 99, FORM_AS_IMAGE},
     {FORM_EXTRACT_TEXT, Kind::kSwitch, kFilterPdf, u"ExtractText", 0, 0, 1, FORM_AS_IMAGE},
     {FORM_CONVERT_POLY, Kind::kSwitch, kFilterPdf, u"ConvertPoly", 1, 0, 1},
@@ -62,8 +63,8 @@ const OptionForm::Setting OptionForm::kImportSettings[] = {
 };
 
 const OptionForm::Setting OptionForm::kExportSettings[] = {
-    {FORM_COLOR_COMPRESSION, Kind::kChoice, kFilterPdf, u"ColorCompression", 0, 0, 2, 0, kPdf},
-    {FORM_BW_COMPRESSION, Kind::kChoice, kFilterPdf, u"BWCompression", 0, 0, 1, 0, kPdf},
+    {FORM_COLOR_COMPRESSION, Kind::kChoice, kFilterPdf, u"ColorCompression", 0, 0, 2, 0, kPdf, 0},
+    {FORM_BW_COMPRESSION, Kind::kChoice, kFilterPdf, u"BWCompression", 0, 0, 1, 0, kPdf, 0},
     {FORM_QUALITY, Kind::kInteger, kFilterPdf, u"Quality", 75, 1, 100, 0, kPdf},
     {FORM_AT_ORIGIN, Kind::kSwitch, kFilterPdf, u"AtOrigin", 0, 0, 1, 0, kPdf},
     {FORM_PAPER_FRAME, Kind::kReal, kFilterPdf, u"PaperFrame", 2, 0, 10000, 0, kPdf},
@@ -73,7 +74,6 @@ const OptionForm::Setting OptionForm::kExportSettings[] = {
     {FORM_MITER, Kind::kReal, kPdf, u"Miter", 10, 1, 1000},
     {FORM_LINE_CAP, Kind::kChoice, kPdf, u"LineCap", 0, 0, 2},
     {FORM_EMBED_FONTS, Kind::kSwitch, kPdf, u"EmbedFonts", 0, 0, 1},
-    {FORM_CODE_PAGE, Kind::kInteger, kPdf, u"CodePage", 0, 0, 65535},
     {FORM_AUTHOR, Kind::kText, kPdf, u"Author", 0, 0, 255},
     {FORM_SUBJECT, Kind::kText, kPdf, u"Subject", 0, 0, 1023},
     {FORM_KEYWORDS, Kind::kText, kPdf, u"Keywords", 0, 0, 1023},
@@ -86,6 +86,7 @@ OptionForm::OptionForm(Direction direction, std::u16string_view registryPath, st
   const bool imports = direction == Direction::kImport;
   settings_ = imports ? kImportSettings : kExportSettings;
   const size_t count = imports ? std::size(kImportSettings) : std::size(kExportSettings);
+  given_.resize(count);
   for (size_t i = 0; i < count; ++i) {
     const Setting &setting = settings_[i];
     const platform::Settings key(registryPath_, setting.key);
@@ -118,18 +119,25 @@ size_t OptionForm::IndexOf(uint32_t control) const {
 
 // As it is stored.
 double OptionForm::Value(uint32_t control) const {
-  const platform::FormField &field = fields_[IndexOf(control)];
-  return field.kind == Kind::kChoice ? field.number + field.lowest : field.number;
+  const size_t index = IndexOf(control);
+  const platform::FormField &field = fields_[index];
+  if (field.kind != Kind::kChoice) return field.number;
+  return field.number == PlaceOf(index, given_[index]) ? given_[index] : field.number + field.lowest;
 }
 
-// A choice that is none of the list becomes the usual one.
+double OptionForm::PlaceOf(size_t index, double value) const {
+  const Setting &setting = settings_[index];
+  return value >= setting.lowest && value <= setting.highest ? value - setting.lowest : setting.otherwise;
+}
+
+// A choice that is not changed keeps a number that is none of the list.
 void OptionForm::SetValue(uint32_t control, double value) {
   const size_t index = IndexOf(control);
   platform::FormField &field = fields_[index];
   if (field.kind == Kind::kSwitch)
     field.number = value != 0 ? 1 : 0;
   else if (field.kind == Kind::kChoice)
-    field.number = (value >= field.lowest && value <= field.highest ? value : settings_[index].fallback) - field.lowest;
+    field.number = PlaceOf(index, given_[index] = value);
   else
     field.number = value;
 }

@@ -35,6 +35,7 @@ class OptionForm {
   static int32_t WholeToStore(const platform::Settings &key, const Setting &setting, double value);
   size_t IndexOf(uint32_t control) const;
   double Value(uint32_t control) const;
+  double PlaceOf(size_t index, double value) const;
   void SetValue(uint32_t control, double value);
   void TakeImportOptions(std::u16string_view options);
   void TakeExportOptions(std::u16string_view options);
@@ -43,6 +44,7 @@ class OptionForm {
   std::u16string registryPath_;
   const Setting *settings_;  // one for each field
   std::vector<platform::FormField> fields_;
+  std::vector<double> given_;  // of each choice, the number that it began with, as it is stored
 };
 
 }  // namespace kapdf

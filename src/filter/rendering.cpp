@@ -66,7 +66,7 @@ uint32_t CPDFFilter::OpenRenderedPage(FileInfo &info, ProgressObject *progress, 
     if (!RenderPage(page, tempPath_, hiddenText_)) return FilterNotPdf;
   }
   const std::u16string picture = platform::FromNarrowPath(tempPath_);
-  if (create) subFilter_ = create(0, picture.c_str(), registryPath_.c_str(), &subFilterDestroy_);
+  if (create) subFilter_ = create(0, picture.c_str(), GivenRegistryPath(), &subFilterDestroy_);
   if (!subFilter_) return FilterNotPdf;
   // The host's structure may be longer than the part of it that is known here.
   alignas(8) uint8_t fresh[4096] = {};

@@ -12,13 +12,15 @@ bool IsDrawingSection(int32_t section) { return section == 2 || section == 4 || 
 
 }  // namespace
 
-// A file that is extended may still be held by another process, so it gets several attempts.
+// A file that is extended may still be held by another process, so it gets several attempts. A folder is there, too,
+// and never becomes a file.
 platform::FileHandle CPDFFilter::OpenOutput(std::u16string_view path, FileInfo &info) const {
   using platform::Share;
   if (!platform::FileExists(path)) {
     info.pageIndex = kNewDocument;
     return platform::OpenFile(path, "w+b", Share::kExclusive);
   }
+  if (platform::IsFolder(path)) return nullptr;
   if (info.pageIndex == kNewDocument) return platform::OpenFile(path, "w+b", Share::kExclusive);
   const platform::Settings settings(registryPath_, u"\\Filter\\PDF");
   const int32_t attempts = settings.ReadInteger(u"WriteRetries", 10);

@@ -34,6 +34,7 @@ int64_t TellFile(std::FILE *file);
 
 // True when the path's attributes can be read; a folder counts.
 bool FileExists(std::u16string_view path);
+bool IsFolder(std::u16string_view path);
 bool RemoveFile(std::u16string_view path);
 
 // The part behind the last separator (backslash on Windows, slash elsewhere).

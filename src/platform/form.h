@@ -15,7 +15,7 @@ struct FormField {
   double lowest = 0, highest = 0;  // of numbers; of a text, the most units that it may have
   uint32_t neededControl = 0;      // the switch or choice that must not be 0 for the field to matter; 0 for none
 
-  double number = 0;    // 0 or 1 of a switch; place in the list of a choice
+  double number = 0;    // 0 or 1 of a switch; place in the list of a choice, -1 for none of it
   std::u16string text;  // of a text
 };
 

@@ -64,6 +64,15 @@ TEST(Extending, WaitsForAFileThatAnotherHolds) {
   platform::Settings(kPath, u"").RemoveKey();
 }
 
+TEST(Extending, KnowsAtOnceThatAFolderIsNoFile) {
+  const std::u16string folder = std::filesystem::current_path().u16string();
+  for (const int32_t page : {-1, -2, 0, 5}) {
+    const Opened opened(folder, page);
+    EXPECT_EQ(opened.result, FilterCannotWrite) << page;
+    EXPECT_LT(opened.seconds, 0.4) << page;
+  }
+}
+
 TEST(Extending, LeavesTheHostsFieldsAlone) {
   test::TempFile file(test::OnePage(""));
   file.Close();

@@ -28,11 +28,19 @@ TEST(OptionForm, GoesFromSettingsToSettingsAndString) {
             u"/mode 0 /dpi 200 /col 3 /text 0 /Convert 1 /Tolerance 0.002");
   EXPECT_EQ(OptionForm(Direction::kExport, kPath, u"").Options(),
             u"/col L /bw 4 /q 75 /pdfa 0 /origin 0 /frame 2.000000");
-  filter.WriteInteger(u"ColorDepth", 77);  // none of the list
+  filter.WriteInteger(u"ColorDepth", 1);  // none of the list
+  filter.WriteInteger(u"AsImage", 2);     // the same as 1
   filter.WriteInteger(u"ExtractText", 5);
   filter.WriteReal(u"FitTolerance", 1234567);
   OptionForm import(Direction::kImport, kPath, u"");
-  EXPECT_EQ(import.Options(), u"/mode 0 /dpi 200 /col 3 /text 1 /Convert 1 /Tolerance 1.23457e+06");
+  EXPECT_EQ(import.Options(), u"/mode 2 /dpi 200 /col 1 /text 1 /Convert 1 /Tolerance 1.23457e+06");
+  EXPECT_EQ(std::pair(FieldOf(import, FORM_AS_IMAGE).number, FieldOf(import, FORM_COLOR_DEPTH).number),
+            std::pair(1.0, -1.0));
+  import.Save();
+  EXPECT_EQ(std::pair(filter.ReadInteger(u"AsImage", -1), filter.ReadInteger(u"ColorDepth", -1)), std::pair(2, 1));
+  FieldOf(import, FORM_AS_IMAGE).number = 0;
+  FieldOf(import, FORM_COLOR_DEPTH).number = 2;
+  EXPECT_EQ(import.Options(), u"/mode 0 /dpi 200 /col 4 /text 1 /Convert 1 /Tolerance 1.23457e+06");
   EXPECT_EQ(OptionForm(Direction::kImport, kPath, u"/col 2 /mode 1").Options(),
             u"/mode 1 /dpi 300 /col 2 /text 0 /Convert 1 /Tolerance 1.23457e+06");
 

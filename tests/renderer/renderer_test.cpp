@@ -69,13 +69,15 @@ const FilterTable kSubTable{nullptr,  nullptr, nullptr, SubOpen, SubRead,  nullp
                             SubBegin, SubEnd,  nullptr, nullptr, SubClose, nullptr, nullptr};
 FilterObject sub{&kSubTable};
 FilterObject *Factory(uint32_t zero, const char16_t *, const char16_t *path, FilterDestroyFunction *destroy) {
-  host += zero == 0 && std::u16string(path) == kSettings ? "make;" : "?;";
+  host += zero != 0 ? "?;" : !path ? "make for no path;" : std::u16string(path) == kSettings ? "make;" : "?;";
   *destroy = [](FilterObject *) { host += "destroy;"; };
   return answers["Factory"] == 0 ? &sub : nullptr;
 }
 
 struct Reader {
-  CPDFFilter &filter = *new CPDFFilter(kSettings, false);
+  explicit Reader(const char16_t *settings = kSettings) : filter(*new CPDFFilter(settings, false)) {}
+
+  CPDFFilter &filter;
   ElementRecord record{};
   FileInfo info{};
 
@@ -153,6 +155,9 @@ TEST_F(RendererBridge, APageBecomesARasterAndItsText) {
   in.reset();
   EXPECT_EQ(host, "make;" + Temporary("pdf-2.tif there 0/mode 1 /dpi 600 /col 4 /text 1;read 12;read 5;read 0;close;") +
                       "destroy;make;" + Temporary("pdf.tif there 0/mode 1;read 0;close;destroy;"));
+  host.clear();
+  EXPECT_EQ(Reader(nullptr).Open(0, u"/mode 1"), FilterOk);
+  EXPECT_EQ(host.substr(0, host.find(';')), "make for no path") << "what the host gave goes back to it";
 }
 
 TEST_F(RendererBridge, PreviewsComeFromAFileOrFromMemory) {

@@ -87,6 +87,11 @@ bool FileExists(std::u16string_view path) {
   return stat(ToUtf8(path).c_str(), &status) == 0;
 }
 
+bool IsFolder(std::u16string_view path) {
+  struct stat status = {};
+  return stat(ToUtf8(path).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 bool RemoveFile(std::u16string_view path) { return unlink(ToUtf8(path).c_str()) == 0; }
 
 }  // namespace kapdf::platform
