@@ -76,8 +76,10 @@ class FontOut {
     size_t wholeSize = 0;           // of the font file
     Outlines outlines = Outlines::kTrueType;
   };
-  // The used part of the font, or all of it where that is not much more. A part has a name of its own. Compact outlines
-  // (CFF) go whole, when glyph numbers find them. A damaged font gives nothing.
+  // The used part of the font, or all of it where that is not much more. A part has a name of its own; a font of a
+  // collection goes as one by itself. Compact outlines (CFF) go whole. What readers would show wrongly stays outside:
+  // outlines that a character collection's identifiers find, since the text is made of glyph numbers; instances of
+  // variable fonts other than the one whose outlines stand in the file; damaged fonts.
   Program MakeProgram();
 
  private:

@@ -358,9 +358,20 @@ std::unique_ptr<CodeTable> GlyphsOfCmap(std::span<const uint8_t> cmap) {
   return glyphs;
 }
 
+std::string SubsetPrefix(uint32_t number) {
+  constexpr uint64_t kLetters = 26;
+  std::string prefix = "ZVNEWA+";
+  uint64_t carry = number;
+  for (size_t i = prefix.size() - 1; i-- > 0; carry /= kLetters) {
+    carry += static_cast<uint64_t>(prefix[i] - 'A');
+    prefix[i] = static_cast<char>('A' + carry % kLetters);
+  }
+  return prefix;
+}
+
 std::string NextSubsetPrefix() {
-  static std::atomic<unsigned> count{0};
-  return std::string("ZVNEW") + static_cast<char>('A' + count++) + '+';
+  static std::atomic<uint32_t> count{0};
+  return SubsetPrefix(count++);
 }
 
 FontSubset MakeTrueTypeSubset(std::span<const uint8_t> font, const CodeTable &glyphs, const CodeSet &used,

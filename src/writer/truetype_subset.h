@@ -21,8 +21,10 @@ using CodeSet = std::bitset<65536>;
 // for the Macintosh, byte for unit. Null when it has neither.
 std::unique_ptr<CodeTable> GlyphsOfCmap(std::span<const uint8_t> cmap);
 
-// The seven bytes in front of the names of the next subset, "ZVNEWA+" for the first of the process. The letter goes up
-// without end, through what stands behind Z and all other bytes: the names are told apart, no more.
+// The seven bytes in front of the names of the subset of that number, "ZVNEWA+" for 0. The letters count as one number
+// to the base 26: ZVNEWZ, ZVNEXA, ..., ZZZZZZ, and then AAAAAA.
+std::string SubsetPrefix(uint32_t number);
+// Of the process's next subset, from 0.
 std::string NextSubsetPrefix();
 
 struct FontSubset {

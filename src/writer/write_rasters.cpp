@@ -24,9 +24,9 @@ uint32_t CPDFWriteFile::OpenRaster(const ElementRecord &record) {
   if (indexed) WritePalette(shape->palette);
   const int32_t object = ReserveHere();
   placements_.AddImage({object, shape->width, shape->height, shape->dpi});
-  out_.BeginObject(object).Text("<<\r/Type /XObject\r/Subtype /Image\r/Length ");
-  imageLengthObject_ = ReserveHere();
-  out_.Reference(imageLengthObject_).Text("\r/Name /Im").Integer(imageCount_);
+  out_.BeginObject(object).Text("<<\r/Type /XObject\r/Subtype /Image\r");
+  imageLengthObject_ = ReserveHere();  // the place that stays in the table when the form is refused below
+  out_.Text("/Length ").Reference(imageLengthObject_).Text("\r/Name /Im").Integer(imageCount_);
   out_.Text("\r/Width ").Integer(shape->width).Text("\r/Height ").Integer(shape->height).Text("\r");
   if (!WriteImageForm(*shape, coding, indexed ? paletteObject : 0)) {
     placements_.RemoveLastImage();
@@ -42,7 +42,7 @@ uint32_t CPDFWriteFile::OpenRaster(const ElementRecord &record) {
 
 void CPDFWriteFile::WritePalette(const std::vector<uint8_t> &colors) {
   out_.BeginObject(ReserveHere()).Text("<<\r/Length ").Integer(static_cast<int64_t>(colors.size()));
-  out_.Text(">>\rstream\r\n").Text({reinterpret_cast<const char *>(colors.data()), colors.size()});
+  out_.Text("\r>>\rstream\r\n").Text({reinterpret_cast<const char *>(colors.data()), colors.size()});
   out_.Text("\r\nendstream\rendobj\r");
 }
 

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "sheet.h"
+#include "support/opened_pdf.h"
 
 namespace kapdf {
 namespace {
@@ -69,7 +70,7 @@ TEST(Rasters, EveryFormUnderEveryCompression) {
     const bool hasPalette = c.palette && c.color != 1;
     const std::string number = hasPalette ? "9" : "8", lengthNumber = hasPalette ? "10" : "9";
     std::string expected;
-    if (hasPalette) expected = "8 0 obj\r<<\r/Length 6>>\rstream\r\n\xFF\0\0\0\0\xFF\r\nendstream\rendobj\r"s;
+    if (hasPalette) expected = "8 0 obj\r<<\r/Length 6\r>>\rstream\r\n\xFF\0\0\0\0\xFF\r\nendstream\rendobj\r"s;
     expected += number + " 0 obj\r<<\r/Type /XObject\r/Subtype /Image\r/Length " + lengthNumber +
                 " 0 R\r/Name /Im0\r/Width 3\r/Height 2\r" + c.form;
     const std::string data =
@@ -79,6 +80,11 @@ TEST(Rasters, EveryFormUnderEveryCompression) {
                   std::to_string(data.size()) + "\rendobj\r";
     }
     EXPECT_EQ(objects, expected);
+    if (!written) {  // nobody refers to it, but its numbers have places
+      const test::OpenedPdf opened(file);
+      const PDFXRefEntry *place = opened.file.xrefTable().Find(9);
+      EXPECT_TRUE(place && place->offset == file.find("/Length 9 0 R\r"));
+    }
     EXPECT_EQ(file.find("/XObject <<\r/Im0 " + number + " 0 R\r>>\r/Properties") != std::string::npos, written);
   }
 }

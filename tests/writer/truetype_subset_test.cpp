@@ -104,6 +104,18 @@ TEST(TrueTypeSubset, KeepsWhatIsUsedInItsPlace) {
   }
 }
 
+TEST(TrueTypeSubset, PrefixesCountToTheBase26) {
+  constexpr uint32_t kLast = ((((25 * 26 + 25) * 26 + 25) * 26 + 25) * 26 + 25) * 26 + 25;  // ZZZZZZ
+  constexpr uint32_t kFirst = ((((25 * 26 + 21) * 26 + 13) * 26 + 4) * 26 + 22) * 26;       // ZVNEWA
+  const std::pair<uint32_t, const char *> cases[] = {{0, "ZVNEWA+"},
+                                                     {25, "ZVNEWZ+"},
+                                                     {26, "ZVNEXA+"},
+                                                     {26 * 4, "ZVNFAA+"},
+                                                     {kLast - kFirst, "ZZZZZZ+"},
+                                                     {kLast - kFirst + 1, "AAAAAA+"}};
+  for (const auto &[number, prefix] : cases) EXPECT_EQ(SubsetPrefix(number), prefix) << number;
+}
+
 TEST(TrueTypeSubset, TellsWhatItCannotCut) {
   const std::string font = Font(true, false);
   std::string lost = font;
