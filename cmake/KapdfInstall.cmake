@@ -35,6 +35,7 @@ install(FILES ${CMAKE_BINARY_DIR}/install/kaPDFConfig.cmake ${CMAKE_BINARY_DIR}/
         DESTINATION ${package_dir})
 
 set(CPACK_PACKAGE_NAME kapdf)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "kaPDF developers")
 set(CPACK_PACKAGE_CONTACT "kaPDF developers <kapdf@example.org>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "PDF import and export for drawing programs")

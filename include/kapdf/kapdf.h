@@ -34,7 +34,7 @@ extern "C" {
 
 /* What `ZVGetFilterApiVersion` answers. */
 #define KAPDF_API_VERSION 3u
-/* `FilterInfo.version`. */
+/* `FilterInfo.version`: 2.2, a half for each number. Host program and packages have the same, read from here. */
 #define KAPDF_FILTER_VERSION 0x20002u
 
 /* Bits of `FilterRow.flags` that tell the two rows apart. */

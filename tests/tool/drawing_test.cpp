@@ -114,12 +114,16 @@ TEST(Svg, DrawsEachKindWithItsInk) {
       "{\"kind\":\"layer\",\"name\":\"W<1>\",\"color\":1,\"width\":0.5}\n"
       "{\"kind\":\"layer\",\"name\":\"off\",\"layerOff\":true}\n"
       "{\"kind\":\"lineType\",\"name\":\"Dash\",\"segments\":[3,-1,0,-1]}\n"
-      "{\"kind\":\"font\",\"name\":\"T\",\"face\":\"DejaVu Sans\"}\n"
+      "{\"kind\":\"font\",\"name\":\"T\",\"face\":\"ABCDEF+DejaVu Sans\"}\n"
+      "{\"kind\":\"font\",\"name\":\"C\",\"face\":\"Carried\",\"program\":\"AAEC\"}\n"
+      "{\"kind\":\"text\",\"textStyle\":\"C\",\"text\":\"c\",\"at\":[1,2],\"height\":3.58}\n"
       "{\"kind\":\"line\",\"layer\":\"W<1>\",\"width\":9,\"lineType\":\"Dash\",\"points\":[[0,10],[10,20]]}\n"
       "{\"kind\":\"circle\",\"layer\":\"off\",\"color\":\"#0080ff\",\"center\":[5,5],\"radius\":2}\n"
       "{\"kind\":\"polygon\",\"opacity\":40,\"color\":7,\"contours\":[[[0,0],[9,0],[9,9]],[[1,1],[2,1],[2,2]]]}\n"
       "{\"kind\":\"arc\",\"width\":1,\"center\":[0,0],\"radius\":10,\"startAngle\":0,\"endAngle\":1.5707963267948966}\n"
-      "{\"kind\":\"text\",\"textStyle\":\"T\",\"text\":\"a<b\",\"at\":[1,2],\"height\":3,\"widthFactor\":0.8}\n");
+      "{\"kind\":\"line\",\"width\":0.7,\"lineType\":\"Dash\",\"points\":[[4,5],[4,5.00001]]}\n"
+      "{\"kind\":\"polyline\",\"width\":0,\"points\":[[4,5],[4,5],[4,5]]}\n"
+      "{\"kind\":\"text\",\"textStyle\":\"T\",\"text\":\"a<b\",\"at\":[1,2],\"height\":3.58,\"widthFactor\":0.8}\n");
   const char *wanted[] = {
       "<title>a &amp; b</title>",
       "inkscape:groupmode=\"layer\" inkscape:label=\"W&lt;1&gt;\">",
@@ -130,8 +134,13 @@ TEST(Svg, DrawsEachKindWithItsInk) {
       "<circle cx=\"5\" cy=\"-5\" r=\"2\" stroke=\"#0080ff\" class=\"hair\"/>",
       "M0,0 9,0 9,-9ZM1,-1 2,-1 2,-2Z\" fill-rule=\"evenodd\" fill=\"#000000\" fill-opacity=\"0.4\"/>",
       "<path d=\"M10 0A10 10 0 0 0 7.0711 -7.0711A10 10 0 0 0 0 -10\"",
-      "translate(1 -2) scale(0.8 1)\" font-size=\"3\" font-family=\"DejaVu Sans\" fill=\"#000000\" "
+      // A dot, however it is dashed.
+      "<line x1=\"4\" y1=\"-5\" x2=\"4\" y2=\"-5\" stroke=\"#000000\" stroke-width=\"0.7\" stroke-linecap=\"round\"/>",
+      "<polyline points=\"4,-5 4,-5 4,-5\" stroke=\"#000000\" class=\"hair\" stroke-linecap=\"round\"/>",
+      // The height is that of the capitals, and the part of the face that a file carried is known to nobody else.
+      "translate(1 -2) scale(0.8 1)\" font-size=\"5\" font-family=\"DejaVu Sans\" fill=\"#000000\" "
       "xml:space=\"preserve\">a&lt;b<",
+      "font-size=\"3.58\" style=\"font-size-adjust:none\" font-family=\"Carried\"",
       "fill=\"#ffffff\"/>\n<g fill=\"none\"",
   };
   for (const char *text : wanted) EXPECT_NE(svg.find(text), std::string::npos) << text << "\n" << svg;

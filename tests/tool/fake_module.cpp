@@ -101,6 +101,7 @@ std::string ReadSetting(const kapdf::platform::Settings &key, const char16_t *na
 uint32_t OpenWrite(FilterObject *self, const char16_t *path, FileInfo *info, ProgressObject *,
                    const char16_t *options) {
   FakeFilter &f = Self(self);
+  f.options.clear();
   for (const char16_t *c = options; c != nullptr && *c != 0; ++c) f.options += static_cast<char>(*c);
   f.log.open(PathOf(path), info->pageIndex == -1 ? std::ios::binary : std::ios::binary | std::ios::app);
   if (!f.log) return FilterCannotWrite;

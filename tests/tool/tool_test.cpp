@@ -94,7 +94,7 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
   test::WriteFile("infinite.pdf", "infinite");
   test::WriteFile("point.jsonl", "{\"kind\":\"point\",\"at\":[1,2]}\n");
   test::WriteFile("empty.jsonl", "\n");
-  test::WriteFile("older.jsonl", "as it was");
+  for (const char *older : {"older.jsonl", "older.pdf"}) test::WriteFile(older, "as it was");
   test::WriteFile("two.jsonl", "{\"kapdf\":1}\n{\"kapdf\":1}\n");
   const std::vector<std::string> onePoint = {"export", "point.jsonl", "-o"};
   const auto with = [](std::vector<std::string> words, const std::vector<std::string> &more) {
@@ -120,17 +120,21 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
       {with(onePoint, {"all.pdf", "--replace", "1", "--append"}), 2, "excludes"},
       {with(onePoint, {"all.pdf", "--replace", "1", "two.jsonl"}), 2, "--replace takes one drawing only"},
       {with(onePoint, {"encrypted.pdf", "--append"}), 1, "cannot add to"},
+      {with(onePoint, {".", "--append"}), 1, "it is a folder"},
       {with(onePoint, {"all.pdf", "--append", "--options", "/col X"}), 1, "option string is wrong (result 18)"},
       {with(onePoint, {"all.pdf", "--append", "two.jsonl"}), 1, "choose one with --page"},
       {with(onePoint, {"gone.pdf", "empty.jsonl"}), 1, "holds no drawing"},
       {{"convert", "all.pdf", "all.pdf"}, 2, "would overwrite the input"},
       {{"convert", "infinite.pdf", "gone.pdf", "--page", "4"}, 1, "its pages are 1 to 3"},
-      {{"convert", "damaged.pdf", "older.jsonl", "--append"}, 1, "(result 2)"},
+      {{"convert", "damaged.pdf", "older.pdf", "--append"}, 1, "(result 2)"},
+      {{"convert", "all.pdf", "older.jsonl"}, 2, "must be named .pdf, not "},
+      {with(onePoint, {"gone.DXF"}), 2, "must be named .pdf, not "},
+      {{"info", "all.pdf", "--preview", "gone.pdf"}, 2, "must be named .bmp, not "},
       {{"import", "all.pdf", "--set", "Qualty=3"}, 2, "there is no setting \"Qualty\""},
       {{"import", "all.pdf", "--set", "Quality=3.5"}, 2, "Quality takes an integer"},
       {{"import", "all.pdf", "--set", "PaperFrame=inf"}, 2, "PaperFrame takes a number"},
       {{"import"}, 2, "FILE is required"},
-      {{"info", "all.pdf", "--page", "2", "--preview", "gone.pdf"}, 1, "gives no preview of page 2"},
+      {{"info", "all.pdf", "--page", "2", "--preview", "gone.bmp"}, 1, "gives no preview of page 2"},
       {{"imprt", "all.pdf"}, 2, "there is no command \"imprt\""},
       {{"import", "damaged.pdf", "-o", "older.jsonl"}, 1, "damaged, or its page cannot be built (result 2)"},
   };
@@ -140,8 +144,10 @@ TEST(Tool, SaysInOneSentenceWhatIsWrong) {
     EXPECT_NE(ran.err.find(c.says), std::string::npos) << "wanted: " << c.says << "\ngot: " << ran.err;
     EXPECT_EQ(std::count(ran.err.begin(), ran.err.end(), '\n'), 1) << ran.err;
   }
-  for (const char *path : {"gone.jsonl", "gone.pdf"}) EXPECT_FALSE(std::filesystem::exists(path)) << path;
-  EXPECT_EQ(test::ReadFile("older.jsonl"), "as it was");
+  for (const char *path : {"gone.jsonl", "gone.pdf", "gone.DXF", "gone.bmp"}) {
+    EXPECT_FALSE(std::filesystem::exists(path)) << path;
+  }
+  for (const char *older : {"older.jsonl", "older.pdf"}) EXPECT_EQ(test::ReadFile(older), "as it was");
   EXPECT_EQ(test::ReadFile("all.pdf"), kAll) << "what had been added is cut off";
 }
 
@@ -267,7 +273,8 @@ TEST(Tool, TellsAboutFileModuleAndEveryPage) {
     EXPECT_TRUE(test::ReadFile(path).ends_with("</svg>\n")) << path;
   }
   const Ran ran = Kapdf({"info", "all.pdf", "--preview", "page.bmp"}), help = Kapdf({"--help"});
-  for (const char *text : {"pages      3", "version    9.9", "maker      Nobody", "2 layers", "1 ellipse arc,"}) {
+  for (const char *text :
+       {"pages      3", "version    2.2, which hosts show as 9.9", "maker      Nobody", "2 layers", "1 ellipse arc,"}) {
     EXPECT_NE(ran.out.find(text), std::string::npos) << text << "\n" << ran.out;
   }
   const std::string bmp = test::ReadFile("page.bmp");

@@ -20,7 +20,7 @@ struct Streams {
 
 // What the commands share.
 struct Session {
-  Module &module;
+  const Module &module;
   const char16_t *registryPath;  // null: the module's own settings
   Streams streams;
   bool showProgress;

@@ -188,11 +188,6 @@ class Converter {
     for (int i = 0; i < pages; ++i) {
       part_ = i * kPasses;
       parts_ = pages * kPasses;
-      if (i > 0) {
-        reader_.Close();
-        if (Outcome renewed = output_.Renew(); !renewed.ok()) return renewed;
-        if (Outcome opened = reader_.Open(); !opened.ok()) return opened;
-      }
       if (Outcome converted = ConvertPage(first + i); !converted.ok()) return converted;
     }
     progress_.Clear();

@@ -204,9 +204,6 @@ Outcome RunExport(const Session &session, const ExportRequest &request) {
   if (Outcome prepared = output.Prepare(pages); !prepared.ok()) return prepared;
   for (int i = 0; i < pages; ++i) {
     progress.SetPart(i, pages);
-    if (i > 0) {
-      if (Outcome renewed = output.Renew(); !renewed.ok()) return renewed;
-    }
     const std::string &path = request.drawings[static_cast<size_t>(i)];
     const std::string folder = path == "-" ? request.folder : Utf8Of(PathOf(path).parent_path());
     Drawing drawing;

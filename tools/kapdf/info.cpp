@@ -62,7 +62,8 @@ Outcome RunInfo(const Session &session, const InfoRequest &request) {
       << "form       " << ToUtf8(reader.FormatName()) << "\n"
       << "pages      " << reader.pages() << "\n"
       << "module     " << session.module.path() << "\n"
-      << "version    " << (info.versionText != nullptr ? ToUtf8(info.versionText) : "") << "\n"
+      << "version    " << session.module.Version() << ", which hosts show as "
+      << (info.versionText != nullptr ? ToUtf8(info.versionText) : "nothing") << "\n"
       << "maker      " << (info.makerName != nullptr ? ToUtf8(info.makerName) : "") << "\n"
       << std::flush;
   if (reader.pages() < 1) return {};

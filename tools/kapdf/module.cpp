@@ -2,6 +2,10 @@
 
 namespace kapdf::tool {
 
+std::string VersionText(uint32_t version) {
+  return std::to_string(version >> 16) + "." + std::to_string(version & 0xFFFF);
+}
+
 Outcome Module::Load(const std::string &path) {
   std::string reason;
   library_ = Library::Open(path, reason);
@@ -16,11 +20,6 @@ Outcome Module::Load(const std::string &path) {
   }
   path_ = path;
   return {};
-}
-
-Outcome Module::Reload() {
-  library_ = Library();
-  return Load(std::string(path_));
 }
 
 const FilterRow *Module::FindRow(uint32_t mask, uint32_t bits) const {

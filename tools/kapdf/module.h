@@ -10,15 +10,17 @@
 
 namespace kapdf::tool {
 
+// "major.minor" of `FilterInfo.version`, which holds each in one half.
+std::string VersionText(uint32_t version);
+
 class Module {
  public:
   // `path` absolute. Loading makes the module's folder the current directory.
   Outcome Load(const std::string &path);
-  // The same module as if in a new process. No filter made by it may be alive.
-  Outcome Reload();
 
   const std::string &path() const { return path_; }
   const FilterInfo &info() const { return info_; }
+  std::string Version() const { return VersionText(info_.version); }
   // Null when there is no such row.
   const FilterRow *ReadingRow() const { return FindRow(KAPDF_ROW_READS, KAPDF_ROW_READS); }
   const FilterRow *WritingRow() const { return FindRow(KAPDF_ROW_WRITES, KAPDF_ROW_WRITES); }
@@ -41,7 +43,6 @@ struct DestroyFilter {
 class Filter {
  public:
   Outcome Create(const FilterRow *row, const char16_t *registryPath);
-  void Destroy() { object_.reset(); }
   FilterObject *get() const { return object_.get(); }
   const FilterTable &table() const { return *object_->table; }
 

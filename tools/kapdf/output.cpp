@@ -1,8 +1,28 @@
 #include "output.h"
 
+#include <algorithm>
+#include <iterator>
+
+#include "settings.h"
 #include "utf.h"
 
 namespace kapdf::tool {
+namespace {
+
+constexpr std::string_view kKnownExtensions[] = {
+    ".ai",   ".bmp",  ".csv",  ".dgn",  ".doc", ".docx", ".dwf",  ".dwg",  ".dxf",   ".emf",    ".eps",
+    ".gif",  ".hpgl", ".htm",  ".html", ".jp2", ".jpeg", ".jpg",  ".json", ".jsonl", ".ndjson", ".odg",
+    ".odt",  ".pdf",  ".plt",  ".png",  ".ps",  ".rtf",  ".step", ".stp",  ".svg",   ".svgz",   ".tif",
+    ".tiff", ".txt",  ".webp", ".wmf",  ".xls", ".xlsx", ".xml",  ".xps",  ".zip"};
+
+}  // namespace
+
+Outcome CheckExtension(const std::string &path, std::string_view extension) {
+  const std::string ending = Utf8Of(PathOf(path).extension());
+  const auto is = [&](std::string_view known) { return EqualsIgnoringCase(ending, known); };
+  if (is(extension) || std::ranges::none_of(kKnownExtensions, is)) return {};
+  return FailUsage("the output must be named " + std::string(extension) + ", not " + path);
+}
 
 Outcome Output::OpenFile(const std::string &path) {
   path_ = path;

@@ -10,6 +10,10 @@
 
 namespace kapdf::tool {
 
+// Fails when the name ends as files of another format do, upper and lower case alike: who asks for "plan.dxf" does not
+// want a PDF file of that name. Any other ending, or none, is fine. `extension` with its point.
+Outcome CheckExtension(const std::string &path, std::string_view extension);
+
 class Output {
  public:
   ~Output();

@@ -32,8 +32,6 @@ class PageReader {
 
   // Makes the filter and counts the pages.
   Outcome Open();
-  // Until it is opened again.
-  void Close() { filter_.Destroy(); }
   int pages() const { return info_.pageCount; }
   // "Adobe PDF ", as the module calls the form.
   std::u16string FormatName() const;

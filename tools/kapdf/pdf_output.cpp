@@ -64,6 +64,7 @@ Outcome PdfOutput::LookAtOlderFile() {
   if (!std::filesystem::exists(path, error)) {
     return target_.append ? Outcome{} : Fail("there is no " + target_.path + " to replace a page of");
   }
+  if (std::filesystem::is_directory(path, error)) return Fail("cannot add to " + target_.path + ": it is a folder");
   Filter reader;
   if (Outcome made = reader.Create(session_.module.ReadingRow(), session_.registryPath); !made.ok()) return made;
   FileInfo info{};
@@ -97,12 +98,6 @@ void PdfOutput::NoteOlderBytes(std::optional<uintmax_t> before) {
   if (begun_ && before != pageEnd_) olderBytes_.reset();
   if (begun_ || !extends_) return;
   if (before && before == SizeOf(target_.path)) olderBytes_ = before;
-}
-
-Outcome PdfOutput::Renew() {
-  filter_.Destroy();
-  if (Outcome loaded = session_.module.Reload(); !loaded.ok()) return loaded;
-  return filter_.Create(session_.module.WritingRow(), session_.registryPath);
 }
 
 Outcome PdfOutput::BeginPage(const Box &extents, Progress &progress) {

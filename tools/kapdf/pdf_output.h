@@ -29,9 +29,6 @@ class PdfOutput {
   // Looks at the file that is to be extended; it must be one that the module can read, since otherwise its pages would
   // be lost to readers. `pages`: how many are to come.
   Outcome Prepare(int pages);
-  // Ahead of every page but the first, with no other filter alive: a process has names for 26 fonts, so that each page
-  // is written by a module loaded anew.
-  Outcome Renew();
   // Opens the next page for a drawing of these extents in millimetres.
   Outcome BeginPage(const Box &extents, Progress &progress);
   Filter &filter() { return filter_; }

@@ -14,6 +14,8 @@ constexpr double kMargin = 2;                // mm of paper around the elements
 constexpr double kThinDashed = 0.1;          // mm: dashes of a hairline would be counted in pixels
 constexpr size_t kGroupsLookedThrough = 64;  // a layer scattered more widely starts anew
 constexpr uint32_t kNearlyWhite = 232;       // of 255, every component
+constexpr double kShortest = 0.0001;         // mm: as long as a line must be for its ends to be told apart
+constexpr double kCapHeight = 0.716;         // of an em: how high capitals usually are
 
 std::string Hex(uint32_t packed) {
   constexpr char kDigits[] = "0123456789abcdef";
@@ -37,6 +39,15 @@ bool Fills(const ElementRecord &record) {
 bool IsDrawn(uint32_t kind) {
   const Kind *found = FindKind(kind);
   return found != nullptr && found->drawn;
+}
+
+// Six capitals and a plus sign tell the subsets of one face apart; nobody has installed it under such a name.
+std::u16string_view WithoutSubsetPrefix(std::u16string_view face) {
+  constexpr size_t kLetters = 6;
+  const auto capital = [](char16_t unit) { return unit >= 'A' && unit <= 'Z'; };
+  const bool subset =
+      face.size() > kLetters + 1 && face[kLetters] == '+' && std::ranges::all_of(face.substr(0, kLetters), capital);
+  return subset ? face.substr(kLetters + 1) : face;
 }
 
 void AppendStroke(std::string &out, const std::string &color, double width, const DashPattern *pattern) {
@@ -73,6 +84,18 @@ void AppendStroke(std::string &out, const std::string &color, double width, cons
   out += '"';
 }
 
+// A line without length, as pads and vias often are. Without a round cap nothing would show.
+bool IsDot(std::span<const Point> points) {
+  return std::ranges::all_of(points, [&](Point p) {
+    return std::abs(p.x - points[0].x) < kShortest && std::abs(p.y - points[0].y) < kShortest;
+  });
+}
+
+void AppendDot(std::string &out, const std::string &color, double width) {
+  AppendStroke(out, color, width, nullptr);
+  out += " stroke-linecap=\"round\"/>\n";
+}
+
 }  // namespace
 
 void SvgPage::Add(const ElementRecord &record) {
@@ -99,8 +122,9 @@ void SvgPage::Define(const ElementRecord &record) {
   } else if (LineTypeDefPayload lineType; record.kind == ElemLineTypeDef && CopyPayload(record, lineType)) {
     patterns_.try_emplace(lineType.name != nullptr ? lineType.name : u"", PatternOf(lineType));
   } else if (FontDefPayload font; record.kind == ElemFontDef && CopyPayload(record, font)) {
+    const bool carried = (record.payloadBytes & ~KAPDF_FONT_MAPPED) > sizeof font;
     fonts_.try_emplace(font.styleName != nullptr ? font.styleName : u"",
-                       font.faceName != nullptr ? font.faceName : u"");
+                       Font{font.faceName != nullptr ? font.faceName : u"", carried});
   }
 }
 
@@ -145,13 +169,19 @@ void SvgPage::Draw(std::string &out, const ElementRecord &record, const Ink &ink
       AppendAttribute(out, "y1", -line.y1);
       AppendAttribute(out, "x2", line.x2);
       AppendAttribute(out, "y2", -line.y2);
+      if (const Point ends[] = {{line.x1, line.y1}, {line.x2, line.y2}}; IsDot(ends)) {
+        return AppendDot(out, ink.color, ink.width);
+      }
       break;
     }
-    case ElemPolyline:
+    case ElemPolyline: {
+      const auto vertices = VerticesOf(record);
       out += "<polyline points=\"";
-      AppendPoints(out, VerticesOf(record));
+      AppendPoints(out, vertices);
       out += '"';
+      if (IsDot(vertices)) return AppendDot(out, ink.color, ink.width);
       break;
+    }
     case ElemCircle:
     case ElemArc:
     case ElemEllipseArc: {
@@ -225,14 +255,17 @@ void SvgPage::DrawText(std::string &out, const ElementRecord &record, const Ink 
   if (text.angle != 0) out += " rotate(" + SvgNumber(-text.angle * 180 / std::numbers::pi) + ")";
   if (text.widthFactor != 1) out += " scale(" + SvgNumber(text.widthFactor) + " 1)";
   out += "\"";
-  AppendAttribute(out, "font-size", text.height);
-  const auto font = fonts_.find(record.styleName);
-  const std::u16string face = font != fonts_.end() && !font->second.empty() ? font->second
-                              : text.fontName != nullptr                    ? text.fontName
-                                                                            : record.styleName;
+  const auto found = fonts_.find(record.styleName);
+  const Font font = found != fonts_.end() ? found->second : Font{};
+  // The height is that of the capitals; of a font that came along it is about the em.
+  AppendAttribute(out, "font-size", font.carried ? text.height : text.height / kCapHeight);
+  if (font.carried) out += " style=\"font-size-adjust:none\"";
+  const std::u16string face = !font.face.empty()         ? font.face
+                              : text.fontName != nullptr ? text.fontName
+                                                         : record.styleName;
   if (!face.empty()) {
     out += " font-family=\"";
-    AppendXml(out, face);
+    AppendXml(out, WithoutSubsetPrefix(face));
     out += "\"";
   }
   out += " fill=\"" + ink.color + "\" xml:space=\"preserve\">";
@@ -281,9 +314,11 @@ void SvgPage::Finish(std::string &out, const std::string &title) const {
       "width=\"" +
       width + "mm\" height=\"" + height + "mm\" viewBox=\"" + x + " " + y + " " + width + " " + height + "\">\n<title>";
   AppendXml(out, std::string_view(title));
-  // A hairline is a pixel wide at every size, and thin where a viewer knows no such lines.
+  // A hairline is a pixel wide at every size, and thin where a viewer knows no such lines. Capitals are as high as they
+  // should be where a viewer can adjust the size to the face that it has, else about so.
+  out += "</title>\n<style>text{font-size-adjust:cap-height " + SvgNumber(kCapHeight) + "}\n";
   out +=
-      "</title>\n<style>.hair{stroke-width:0.1}@supports(vector-effect:non-scaling-stroke)"
+      ".hair{stroke-width:0.1}@supports(vector-effect:non-scaling-stroke)"
       "{.hair{stroke-width:1px;vector-effect:non-scaling-stroke}}</style>\n<rect x=\"" +
       x + "\" y=\"" + y + "\" width=\"" + width + "\" height=\"" + height + "\" fill=\"" +
       // White lines need a paper that they stand out from.

@@ -34,6 +34,10 @@ class SvgPage {
     double width = -2;   // below zero: the elements' own
     bool off = false;
   };
+  struct Font {
+    std::u16string face;
+    bool carried;  // its program came along
+  };
   struct Group {
     size_t layer;
     std::string text;
@@ -55,7 +59,7 @@ class SvgPage {
   std::vector<Layer> layers_;
   std::map<std::u16string, size_t> layerIndex_;
   std::map<std::u16string, DashPattern> patterns_;
-  std::map<std::u16string, std::u16string> fonts_;  // style name to face
+  std::map<std::u16string, Font> fonts_;  // by the name of the style
   std::vector<Group> groups_;
   uint32_t current_ = 0;  // packed colour of the last element
   bool whiteInk_ = false;

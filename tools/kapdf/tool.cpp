@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "output.h"
 #include "progress.h"
 #include "settings.h"
 #include "utf.h"
@@ -73,7 +74,8 @@ std::vector<CLI::App *> Declare(CLI::App &app, CommandLine &line) {
   app.require_subcommand(1);
   app.footer(kFooter);
   app.get_formatter()->column_width(30);
-  app.set_version_flag("--version", "kapdf " KAPDF_VERSION, "Tell the program's version and exit");
+  app.set_version_flag("--version", "kapdf " + VersionText(KAPDF_FILTER_VERSION),
+                       "Tell the program's version and exit");
   app.add_flag_callback(
       "--help-settings", [] { throw CLI::CallForVersion(SettingsHelp(), 0); }, "The names that --set takes, and exit");
 
@@ -141,6 +143,11 @@ Outcome ResolvePaths(CommandLine &line) {
     overwrites = overwrites || SameFile(drawing, line.exporting.target.path);
   }
   if (overwrites) return FailUsage("the output would overwrite the input");
+  for (const auto &[path, extension] : {std::pair(&line.exporting.target.path, ".pdf"),
+                                        {&line.convert.target.path, ".pdf"},
+                                        {&line.info.preview, ".bmp"}}) {
+    if (Outcome fits = CheckExtension(*path, extension); !fits.ok()) return fits;
+  }
   const std::vector<std::string> &drawings = line.exporting.drawings;
   if (std::ranges::count(drawings, "-") > 1) return FailUsage("the standard input is one drawing only");
   if (line.exporting.target.replace && drawings.size() > 1) return FailUsage("--replace takes one drawing only");
