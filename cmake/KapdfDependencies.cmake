@@ -1,5 +1,5 @@
 # Finds the libraries under the same names for every build: kapdf::zlib, kapdf::deflate, kapdf::jpeg, kapdf::jbig2,
-# kapdf::freetype, kapdf::openjpeg, on Linux kapdf::fontconfig, and for tool and tests kapdf::png, kapdf::cli11,
+# kapdf::freetype, kapdf::openjpeg, kapdf::qpdf, on Linux kapdf::fontconfig, and for tool and tests kapdf::png, kapdf::cli11,
 # kapdf::json. Only find_path and find_library are used: pkg-config and package files would answer for the machine that
 # builds when another one is built for.
 
@@ -30,6 +30,12 @@ endif()
 kapdf_find(openjpeg openjpeg.h openjp2 SUFFIXES openjpeg-2.5)
 if(WIN32)
   target_compile_definitions(kapdf::openjpeg INTERFACE OPJ_STATIC)
+endif()
+# Its headers warn unless they are told that none of its old smart pointers are wanted. As a static library it needs what
+# it was built with behind it.
+kapdf_find(qpdf qpdf/QPDF.hh qpdf DEFINITIONS POINTERHOLDER_TRANSITION=4)
+if(WIN32)
+  target_link_libraries(kapdf::qpdf INTERFACE kapdf::jpeg kapdf::zlib advapi32)
 endif()
 if(KAPDF_TOOL)
   kapdf_find(png png.h "png;png16" SUFFIXES libpng16)

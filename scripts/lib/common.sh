@@ -63,7 +63,7 @@ need() {
 }
 
 packages_linux=(build-essential cmake ninja-build ccache zlib1g-dev libdeflate-dev libjpeg62-turbo-dev libjbig2dec0-dev
-  libfreetype-dev libfontconfig-dev libopenjp2-7-dev libpng-dev libcli11-dev nlohmann-json3-dev libgtest-dev
+  libfreetype-dev libfontconfig-dev libopenjp2-7-dev libqpdf-dev libpng-dev libcli11-dev nlohmann-json3-dev libgtest-dev
   libbenchmark-dev poppler-data python3)
 packages_tests=(googletest clang libclang-rt-14-dev qpdf mupdf-tools poppler-utils ghostscript gdal-bin)
 packages_windows=(g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64 nasm patch xz-utils bzip2
