@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <numbers>
 
 #include "base/bytes.h"
@@ -91,23 +93,35 @@ std::string DescribeRaster(Interpreter &interpreter, const ElementRecord &record
   return line;
 }
 
-// Everything that a host could copy, less the pointers.
-void AppendBytes(const ElementRecord &record, std::string &bytes) {
+void AddRecord(const ElementRecord &record, RecordDigest &digest) {
   const auto *block = static_cast<const char *>(record.payload);
-  const auto add = [&](const void *from, size_t size) { bytes.append(static_cast<const char *>(from), size); };
-  add(&record.kind, 4);
-  add(&record.color, 4);
-  add(record.styleName, 8);
-  add(record.layerName, 8);
-  add(&record.payloadBytes, 4);
+  digest.Add(&record.kind, 4);
+  digest.Add(&record.color, 4);
+  digest.Add(record.styleName, 8);
+  digest.Add(record.layerName, 8);
+  digest.Add(&record.payloadBytes, 4);
   size_t from = 0;
-  if (record.kind == ElemPolyline) from = 28, add(block, 20);
-  if (record.kind == ElemFilledPolygon) from = 32, add(block, 12);
+  if (record.kind == ElemPolyline) from = 28, digest.Add(block, 20);
+  if (record.kind == ElemFilledPolygon) from = 32, digest.Add(block, 12);
   if (record.kind == ElemLineTypeDef) from = 980;
-  add(block + from, record.payloadBytes - from);
+  digest.Add(block + from, record.payloadBytes - from);
 }
 
 }  // namespace
+
+void RecordDigest::Add(const void *from, size_t size) {
+  const auto *at = static_cast<const uint8_t *>(from);
+  bytes += size;
+  for (size_t left = size; left > 0;) {
+    const size_t step = std::min<size_t>(left, 8);
+    uint64_t word = step;
+    std::memcpy(&word, at, step);
+    hash = (hash ^ word) * 0x9E3779B97F4A7C15u;
+    hash ^= hash >> 32;
+    at += step;
+    left -= step;
+  }
+}
 
 std::string Describe(const ElementRecord &record) {
   const auto *block = static_cast<const uint8_t *>(record.payload);
@@ -175,7 +189,8 @@ std::string PageBytes(const std::vector<std::string> &streams, std::string_view 
       .Build();
 }
 
-std::vector<std::string> ReadPage(std::string_view document, const InterpreterSettings &settings, std::string *raw) {
+std::vector<std::string> ReadPage(std::string_view document, const InterpreterSettings &settings,
+                                  RecordDigest *digest) {
   OpenedPdf pdf(document);
   PagePosition position;
   EXPECT_EQ(pdf.result, 0u);
@@ -190,8 +205,8 @@ std::vector<std::string> ReadPage(std::string_view document, const InterpreterSe
   EXPECT_EQ(Describe(record), "linetype Continuous of 0");
   while (interpreter.InterpretNext(record) == 0) {
     for (const ElementRecord *at = &record; at; at = at->next) {
-      if (raw)
-        AppendBytes(*at, *raw);
+      if (digest)
+        AddRecord(*at, *digest);
       else
         lines.push_back(at->kind == ElemRasterPlacement ? DescribeRaster(interpreter, *at) : Describe(*at));
     }

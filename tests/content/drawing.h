@@ -27,10 +27,18 @@ std::string Describe(const ElementRecord &record);
 std::string PageBytes(const std::vector<std::string> &streams, std::string_view pageEntries = kLetter,
                       const std::vector<std::string> &more = {});
 
-// Everything that the first page of a document gives, from behind the first record on. With `raw` that takes the bytes
-// that a host could copy, less the pointers, and there are no lines.
+// What a host could copy of records, less the pointers: how much it is, and a hash of it.
+struct RecordDigest {
+  uint64_t hash = 0;
+  size_t bytes = 0;
+  void Add(const void *from, size_t size);
+  bool operator==(const RecordDigest &) const = default;
+};
+
+// Everything that the first page of a document gives, from behind the first record on. With a digest that takes it, and
+// there are no lines.
 std::vector<std::string> ReadPage(std::string_view document, const InterpreterSettings &settings = {},
-                                  std::string *raw = nullptr);
+                                  RecordDigest *digest = nullptr);
 
 // The same for the content of a page, line by line.
 std::string Drawn(std::string_view content, std::string_view pageEntries = kLetter,
