@@ -4,18 +4,19 @@
 #include <cmath>
 #include <cstdint>
 
+#include "base/settings_table.h"
 #include "content/content_stream.h"
 #include "content/graphics_state.h"
 
 namespace kapdf {
 
 struct InterpreterSettings {
-  uint32_t imageFrame = 1;      // handed to the host with every raster
-  bool clipping = true;         // points outside the page's box are dropped
-  bool convertPoly = true;      // smooth polylines may become circles, arcs and ellipses
-  double fitTolerance = 0.002;  // of that recognition
-  int32_t codePage = 0;         // of fonts that imply none
-  double defaultTextWidth = 1;  // width factor of text before the content tells one
+  uint32_t imageFrame = DefaultOf<uint32_t>("ImageFrame");        // handed to the host with every raster
+  bool clipping = DefaultOf<bool>("Clipping");                    // points outside the page's box are dropped
+  bool convertPoly = DefaultOf<bool>("ConvertPoly");              // smooth polylines may become circles, arcs, ellipses
+  double fitTolerance = DefaultOf<double>("FitTolerance");        // of that recognition
+  int32_t codePage = DefaultOf<int32_t>("CodePage");              // of fonts that imply none
+  double defaultTextWidth = DefaultOf<double>("DefaultTextW2H");  // width factor of text before the content tells one
   bool plainStatements =
       true;  // numbers before an operator are taken straight from the content; the result is the same
 };

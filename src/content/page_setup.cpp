@@ -15,7 +15,7 @@ namespace {
 
 constexpr double kStraight = 1e-6;  // radians; less than that is not turned
 
-constexpr int32_t kNoSystemTold = -2;
+using PdfSettings = platform::SettingsAt<SettingKey::kPdf>;
 
 // Without the last bit's noise at quarter turns, which would put points on the sheet's edge outside it.
 double Exact(double value) {
@@ -53,13 +53,13 @@ PageBox Transformed(const PageBox &box, const Affine &matrix) {
 }
 
 // The matrix that the content starts with, and the box that clips it. A page with a georeference is not turned.
-Affine PlaceSheet(CPDFFile &document, const platform::Settings &settings, const CPDFDictionary &page, double rotate,
+Affine PlaceSheet(CPDFFile &document, const PdfSettings &settings, const CPDFDictionary &page, double rotate,
                   PageBox &box) {
   ReadBox(page.Get("MediaBox"), box);
   auto georeference = ReadGeoreference(document.objects(), page);
   if (!georeference) return RotatePage(rotate, box);
   if (georeference->system) {
-    georeference->system->epsgCode = settings.ReadInteger(u"EPSGCode", kNoSystemTold);
+    georeference->system->epsgCode = settings.Integer("EPSGCode");
     const auto bytes = std::bit_cast<std::array<uint8_t, sizeof(CoordinateSystemBlock)>>(*georeference->system);
     document.properties().Add(u"COORDSYS", bytes);
   }
@@ -95,19 +95,19 @@ std::optional<PageToRead> SetupPage(CPDFFile &document, const PagePosition &posi
     rotate = angle->realValue / 360.0 * 2.0 * std::numbers::pi;
   }
   PageToRead page;
-  const platform::Settings settings(document.registryPath(), u"\\PDF");
+  const PdfSettings settings(document.registryPath());
   page.baseMatrix = PlaceSheet(document, settings, *dictionary, rotate, box);
   if (dictionary->Get("Annots")) platform::ShowWarning(document.parentWindow(), platform::MessageText::kAnnotations);
-  const bool diagnostics = settings.ReadInteger(u"WriteToTxt", 0) != 0;
+  const bool diagnostics = settings.Switch("WriteToTxt");
   FontSettings fonts;
-  fonts.useEmbeddedFonts = settings.ReadInteger(u"UseEmbeddedFonts", 0) != 0;
-  fonts.useUnicodeMap = settings.ReadInteger(u"UseUnicodeMap", 1) != 0;
-  fonts.codePage = settings.ReadInteger(u"CodePage", 0);
+  fonts.useEmbeddedFonts = settings.Switch("UseEmbeddedFonts");
+  fonts.useUnicodeMap = settings.Switch("UseUnicodeMap");
+  fonts.codePage = settings.Integer("CodePage");
   page.fonts = std::make_unique<FontCache>(document.objects(), fonts);
   ResourceSettings resources;
   resources.fonts = page.fonts.get();
-  resources.combineStripes = settings.ReadInteger(u"CombineStripes", 0) != 0;
-  resources.raster.jbig2 = settings.ReadInteger(u"JSupport", 1) != 0;
+  resources.combineStripes = settings.Switch("CombineStripes");
+  resources.raster.jbig2 = settings.Switch("JSupport");
   page.stream = std::make_unique<CPDFContentStream>(document.objects(), std::move(dictionary), resources, diagnostics);
   if (box.left > box.right) std::swap(box.left, box.right);  // any two opposite corners may be given
   if (box.bottom > box.top) std::swap(box.bottom, box.top);

@@ -9,6 +9,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "base/settings_table.h"
 #include "fonts/font_cache.h"
 #include "kapdf/kapdf.h"
 #include "pdfmodel/locator.h"
@@ -24,7 +25,7 @@ struct ExtGState {
 };
 
 struct ResourceSettings {
-  bool combineStripes = false;  // images that share a container and a width are one image
+  bool combineStripes = DefaultOf<bool>("CombineStripes");  // images that share a container and a width are one image
   RasterSettings raster;
   FontCache *fonts = nullptr;  // of the document; must outlive the holders
 };

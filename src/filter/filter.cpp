@@ -48,21 +48,16 @@ CPDFFilter::CPDFFilter(const char16_t *registryPath, bool writing) : CZVFilter(r
 }
 
 void CPDFFilter::ReadSettings() {
-  const platform::Settings settings(registryPath_, u"\\Filter\\PDF");
-  writeSettings_.colorCompression = settings.ReadInteger(u"ColorCompression", 0);
-  writeSettings_.bwCompression = settings.ReadInteger(u"BWCompression", 0);
-  writeSettings_.quality = settings.ReadInteger(u"Quality", 75);
-  writeSettings_.pdfa = settings.ReadInteger(u"PDFA", 0);
-  writeSettings_.atOrigin = settings.ReadInteger(u"AtOrigin", 0);
-  writeSettings_.paperFrame = settings.ReadReal(u"PaperFrame", 2.0);
-  importOptions_.asImage = settings.ReadInteger(u"AsImage", 0);
-  importOptions_.dpi = settings.ReadInteger(u"DPI", 200);
-  importOptions_.colorDepth = settings.ReadInteger(u"ColorDepth", 3);
-  dither_ = settings.ReadInteger(u"Dither", 0);
-  importOptions_.extractText = settings.ReadInteger(u"ExtractText", 0);
-  interpreterSettings_.convertPoly = settings.ReadInteger(u"ConvertPoly", 1) != 0;
-  interpreterSettings_.fitTolerance = settings.ReadReal(u"FitTolerance", 0.002);
-  if (settings.ReadInteger(u"Log", 0) != 0) {
+  const platform::SettingsAt<SettingKey::kFilterPdf> settings(registryPath_);
+  writeSettings_.Read(settings);
+  importOptions_.asImage = settings.Integer("AsImage");
+  importOptions_.dpi = settings.Integer("DPI");
+  importOptions_.colorDepth = settings.Integer("ColorDepth");
+  importOptions_.extractText = settings.Integer("ExtractText");
+  dither_ = settings.Integer("Dither");
+  interpreterSettings_.convertPoly = settings.Switch("ConvertPoly");
+  interpreterSettings_.fitTolerance = settings.Real("FitTolerance");
+  if (settings.Switch("Log")) {
     const std::string log = platform::ToNarrowPath(platform::DiagnosticPath("sdklog.txt"));
     CallIfThere(Renderer().VgPsSetMessageFile, log.c_str());
   }

@@ -28,23 +28,17 @@ class OptionForm {
   std::u16string Options() const;
 
  private:
-  struct Setting;
-  static const Setting kImportSettings[];
-  static const Setting kExportSettings[];
-
-  static int32_t WholeToStore(const platform::Settings &key, const Setting &setting, double value);
-  size_t IndexOf(uint32_t control) const;
-  double Value(uint32_t control) const;
+  static int32_t WholeToStore(const platform::Settings &key, const Setting &row, double value);
+  double Value(size_t index) const;
   double PlaceOf(size_t index, double value) const;
-  void SetValue(uint32_t control, double value);
-  void TakeImportOptions(std::u16string_view options);
-  void TakeExportOptions(std::u16string_view options);
+  void SetValue(size_t index, double value);
+  void TakeOptions(std::u16string_view options);
 
   Direction direction_;
   std::u16string registryPath_;
-  const Setting *settings_;  // one for each field
+  std::vector<const Setting *> rows_;  // one for each field
   std::vector<platform::FormField> fields_;
-  std::vector<double> given_;  // of each choice, the number that it began with, as it is stored
+  std::vector<double> given_;  // what each number began with, as it is stored
 };
 
 }  // namespace kapdf

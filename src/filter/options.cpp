@@ -1,5 +1,6 @@
 #include "filter/options.h"
 
+#include <charconv>
 #include <string>
 
 #include "base/scan.h"
@@ -7,29 +8,26 @@
 namespace kapdf {
 namespace {
 
+using Spelling = OptionWord::Spelling;
+
 std::string ToAscii(std::u16string_view text) {
   std::string ascii;
   for (const char16_t unit : text) ascii += unit > 0 && unit < 128 ? static_cast<char>(unit) : '?';
   return ascii;
 }
 
-// The text behind the first place of the word, past white space; null when the word is not there.
+// The text behind the first place of the word and a blank, past white space; null when the word is not there.
 const char *ValueOf(const std::string &text, std::string_view word) {
-  const size_t found = text.find(word);
+  const size_t found = text.find(std::string(word) + ' ');
   if (found == std::string::npos) return nullptr;
-  const char *at = text.c_str() + found + word.size();
+  const char *at = text.c_str() + found + word.size() + 1;
   SkipSpaces(at);
   return at;
 }
 
-void TakeInteger(const std::string &text, std::string_view word, int32_t &value) {
-  if (const char *at = ValueOf(text, word)) ScanAnyInteger(at, value);
-}
-
-bool TakeColorCompression(const std::string &text, int32_t &value) {
-  const char *at = ValueOf(text, "/col ");
-  if (!at) return true;
-  switch (*at) {
+// Letters, and the numbers that stood for them at first.
+bool TakeColorCompression(char letter, double &value) {
+  switch (letter) {
     case '0':
     case 'U':
       value = 2;
@@ -48,37 +46,77 @@ bool TakeColorCompression(const std::string &text, int32_t &value) {
   }
 }
 
-bool TakeBilevelCompression(const std::string &text, int32_t &value) {
-  const char *at = ValueOf(text, "/bw ");
-  if (!at) return true;
-  int32_t code = -1;
-  ScanAnyInteger(at, code);
-  if (code != 0 && code != 4) return false;
-  value = code == 0 ? 1 : 0;
+bool TakeFaxGroup(const char *at, double &value) {
+  int32_t group = -1;
+  ScanAnyInteger(at, group);
+  if (group != 0 && group != 4) return false;
+  value = group == 0 ? 1 : 0;
   return true;
+}
+
+std::string RealText(double number, std::chars_format format) {
+  char text[400];
+  return {text, std::to_chars(text, text + sizeof text, number, format, 6).ptr};
+}
+
+std::string Spelled(const Setting &row, double value) {
+  const auto whole = static_cast<int32_t>(value);
+  switch (row.option.spelling) {
+    case Spelling::kColorLetter:
+      return whole == 2 ? "U" : whole == 1 ? "J" : "L";
+    case Spelling::kFaxGroup:
+      return whole == 1 ? "0" : "4";
+    case Spelling::kSixDecimals:
+      return RealText(value, std::chars_format::fixed);
+    default:
+      return row.type() == SettingType::kReal ? RealText(value, std::chars_format::general) : std::to_string(whole);
+  }
 }
 
 }  // namespace
 
-bool ParseExportOptions(std::u16string_view text, WriteSettings &settings) {
-  const std::string ascii = ToAscii(text);
-  if (!TakeColorCompression(ascii, settings.colorCompression)) return false;
-  if (!TakeBilevelCompression(ascii, settings.bwCompression)) return false;
-  TakeInteger(ascii, "/q ", settings.quality);
-  TakeInteger(ascii, "/pdfa ", settings.pdfa);
-  TakeInteger(ascii, "/origin ", settings.atOrigin);
-  if (const char *at = ValueOf(ascii, "/frame ")) ScanReal(at, settings.paperFrame);
+OptionString::OptionString(std::u16string_view text) : text_(ToAscii(text)) {}
+
+bool OptionString::Take(const Setting &row, double &value) const {
+  value = text_.empty() ? value : row.option.absent.value_or(value);
+  const char *at = ValueOf(text_, row.option.text);
+  if (!at || row.option.spelling == Spelling::kWriteOnly) return true;
+  if (row.option.spelling == Spelling::kColorLetter) return TakeColorCompression(*at, value);
+  if (row.option.spelling == Spelling::kFaxGroup) return TakeFaxGroup(at, value);
+  if (row.type() == SettingType::kReal) {
+    ScanReal(at, value);
+  } else if (int32_t whole = 0; ScanAnyInteger(at, whole)) {
+    value = whole;
+  }
   return true;
 }
 
+bool OptionString::Take(const Setting &row, int32_t &value) const {
+  double number = value;
+  const bool taken = Take(row, number);
+  value = static_cast<int32_t>(number);
+  return taken;
+}
+
+std::string OptionString::Composed(const Setting &row, double value) {
+  return std::string(row.option.text) + ' ' + Spelled(row, value);
+}
+
+bool ParseExportOptions(std::u16string_view text, WriteSettings &settings) {
+  const OptionString options(text);
+  return options.Take(SettingNamed("ColorCompression"), settings.colorCompression) &&
+         options.Take(SettingNamed("BWCompression"), settings.bwCompression) &&
+         options.Take(SettingNamed("Quality"), settings.quality) && options.Take(SettingNamed("PDFA"), settings.pdfa) &&
+         options.Take(SettingNamed("AtOrigin"), settings.atOrigin) &&
+         options.Take(SettingNamed("PaperFrame"), settings.paperFrame);
+}
+
 void ParseImportOptions(std::u16string_view text, ImportOptions &options) {
-  if (text.empty()) return;
-  const std::string ascii = ToAscii(text);
-  options = {0, 300, 3, 0};
-  TakeInteger(ascii, "/mode ", options.asImage);
-  TakeInteger(ascii, "/dpi ", options.dpi);
-  TakeInteger(ascii, "/col ", options.colorDepth);
-  TakeInteger(ascii, "/text ", options.extractText);
+  const OptionString given(text);
+  given.Take(SettingNamed("AsImage"), options.asImage);
+  given.Take(SettingNamed("DPI"), options.dpi);
+  given.Take(SettingNamed("ColorDepth"), options.colorDepth);
+  given.Take(SettingNamed("ExtractText"), options.extractText);
 }
 
 }  // namespace kapdf

@@ -3,17 +3,35 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
-#include "writer/write_file.h"
+#include "base/settings_table.h"
+#include "writer/write_options.h"
 
 namespace kapdf {
 
 struct ImportOptions {
-  int32_t asImage = 0;
-  int32_t dpi = 200;
-  int32_t colorDepth = 3;
-  int32_t extractText = 0;
+  int32_t asImage = DefaultOf<int32_t>("AsImage");
+  int32_t dpi = DefaultOf<int32_t>("DPI");
+  int32_t colorDepth = DefaultOf<int32_t>("ColorDepth");
+  int32_t extractText = DefaultOf<int32_t>("ExtractText");
+};
+
+class OptionString {
+ public:
+  explicit OptionString(std::u16string_view text);
+
+  // The value of the row's word, as it is stored as a setting. What is missing leaves the value alone, unless the row
+  // tells what its absence means; false for a value that does not exist.
+  bool Take(const Setting &row, double &value) const;
+  bool Take(const Setting &row, int32_t &value) const;
+
+  // "/q 75": the row's word with a value as it is stored.
+  static std::string Composed(const Setting &row, double value);
+
+ private:
+  std::string text_;
 };
 
 // "/col c /bw n /q n /pdfa n /origin n /frame x". What is missing leaves its value alone; false for a value of /col or

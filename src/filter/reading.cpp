@@ -41,11 +41,11 @@ uint32_t CPDFFilter::OpenPage(const FileInfo &info) {
   if (!document_->GetPage(info.pageIndex, position)) return FilterDamaged;
   auto page = SetupPage(*document_, position);
   if (!page) return FilterDamaged;
-  const platform::Settings settings(registryPath_, u"\\PDF");
-  interpreterSettings_.imageFrame = static_cast<uint32_t>(settings.ReadInteger(u"ImageFrame", 1));
-  interpreterSettings_.codePage = settings.ReadInteger(u"CodePage", 0);
-  interpreterSettings_.defaultTextWidth = settings.ReadReal(u"DefaultTextW2H", 1.0);
-  interpreterSettings_.clipping = settings.ReadInteger(u"Clipping", 1) != 0;
+  const platform::SettingsAt<SettingKey::kPdf> settings(registryPath_);
+  interpreterSettings_.imageFrame = static_cast<uint32_t>(settings.Integer("ImageFrame"));
+  interpreterSettings_.codePage = settings.Integer("CodePage");
+  interpreterSettings_.defaultTextWidth = settings.Real("DefaultTextW2H");
+  interpreterSettings_.clipping = settings.Switch("Clipping");
   interpreter_ = std::make_unique<Interpreter>(std::move(*page), interpreterSettings_);
   return FilterOk;
 }
@@ -116,8 +116,8 @@ uint32_t CPDFFilter::ReadRasterHeader(ElementRecord &record) {
   rasterHeader_->pixelType = static_cast<uint32_t>(image.kind);
   rasterHeader_->palette = rasterPalette_.get();
   if (image.dpi == 0) {
-    const platform::Settings settings(registryPath_, u"\\Filter");
-    rasterHeader_->dpi = static_cast<uint32_t>(settings.ReadInteger(u"DefaultResolution", 300));
+    const platform::SettingsAt<SettingKey::kFilter> settings(registryPath_);
+    rasterHeader_->dpi = static_cast<uint32_t>(settings.Integer("DefaultResolution"));
   }
   record.payload = rasterHeader_.get();
   record.payloadBytes = sizeof(RasterHeaderPayload);

@@ -22,8 +22,8 @@ platform::FileHandle CPDFFilter::OpenOutput(std::u16string_view path, FileInfo &
   }
   if (platform::IsFolder(path)) return nullptr;
   if (info.pageIndex == kNewDocument) return platform::OpenFile(path, "w+b", Share::kExclusive);
-  const platform::Settings settings(registryPath_, u"\\Filter\\PDF");
-  const int32_t attempts = settings.ReadInteger(u"WriteRetries", 10);
+  const platform::SettingsAt<SettingKey::kFilterPdf> settings(registryPath_);
+  const int32_t attempts = settings.Integer("WriteRetries");
   for (int32_t attempt = 1;; ++attempt) {
     if (auto stream = platform::OpenFile(path, "r+b", Share::kExclusive)) return stream;
     if (attempt >= attempts) return nullptr;

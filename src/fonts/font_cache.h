@@ -5,6 +5,7 @@
 #include <memory>
 #include <unordered_map>
 
+#include "base/settings_table.h"
 #include "fonts/document_families.h"
 #include "fonts/encoding_folder.h"
 #include "fonts/font_object.h"
@@ -13,9 +14,11 @@
 namespace kapdf {
 
 struct FontSettings {
-  bool useEmbeddedFonts = false;  // keep the programs of fonts that match a family of the system, too
-  bool useUnicodeMap = true;      // where a program is kept with mapping data, keep the way to Unicode
-  int32_t codePage = 0;           // in the definition of a font that implies none
+  bool useEmbeddedFonts =
+      DefaultOf<bool>("UseEmbeddedFonts");  // keep the programs of fonts that match a family of the system, too
+  bool useUnicodeMap =
+      DefaultOf<bool>("UseUnicodeMap");  // where a program is kept with mapping data, keep the way to Unicode
+  int32_t codePage = DefaultOf<int32_t>("CodePage");  // in the definition of a font that implies none
 };
 
 // Not for several threads at a time.

@@ -13,9 +13,9 @@ CZVFFile::CZVFFile(std::FILE *stream, bool readBuffer, std::u16string_view regis
       stream_(stream),
       readBuffer_(readBuffer),
       buffer_(std::make_unique_for_overwrite<uint8_t[]>(kBufferBytes)) {
-  const platform::Settings settings(registryPath, u"");
+  const platform::SettingsAt<SettingKey::kRoot> settings(registryPath);
   settings.CreateKey();
-  if (settings.ReadInteger(u"DisableReadBuffer", 0) != 0) readBuffer_ = false;
+  if (settings.Switch("DisableReadBuffer")) readBuffer_ = false;
   position_ = std::max<int64_t>(platform::TellFile(stream_), 0);
 }
 

@@ -25,8 +25,8 @@ void SetFormatName(FileInfo &info) {
 
 CPDFFile::CPDFFile(std::FILE *stream, std::u16string_view registryPath) : CPDFBlockSource(registryPath) {
   Attach(stream);
-  const platform::Settings settings(registryPath, u"\\PDF");
-  xref_ = std::make_unique<XRefReader>(*this, settings.ReadInteger(u"WriteToTxt", 0) != 0);
+  const platform::SettingsAt<SettingKey::kPdf> settings(registryPath);
+  xref_ = std::make_unique<XRefReader>(*this, settings.Switch("WriteToTxt"));
   pageTree_ = std::make_unique<PDFPageTree>(*xref_);
 }
 

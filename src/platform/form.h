@@ -5,10 +5,12 @@
 #include <span>
 #include <string>
 
+#include "base/settings_table.h"
+
 namespace kapdf::platform {
 
 struct FormField {
-  enum class Kind : uint8_t { kSwitch, kChoice, kInteger, kReal, kText };
+  using Kind = SettingKind;
 
   uint32_t control = 0;  // form_controls.h
   Kind kind = Kind::kText;

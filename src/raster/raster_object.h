@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/settings_table.h"
 #include "pdfmodel/locator.h"
 #include "raster/color_space.h"
 #include "raster/image_codec.h"
@@ -39,7 +40,7 @@ struct ImageDescription {
 };
 
 struct RasterSettings {
-  bool jbig2 = true;
+  bool jbig2 = DefaultOf<bool>("JSupport");
 };
 
 class CPDFRasterObject final : public CPDFXObject {

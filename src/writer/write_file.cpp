@@ -5,10 +5,7 @@
 namespace kapdf {
 
 CPDFWriteFile::CPDFWriteFile(std::FILE *stream, std::u16string_view registryPath, std::u16string_view path)
-    : CZVFFile(stream, false, registryPath),
-      document_(stream),
-      options_(WriteOptions::Read(registryPath)),
-      path_(path) {}
+    : CZVFFile(stream, false, registryPath), document_(stream), options_(WriteOptions::Of(registryPath)), path_(path) {}
 
 void CPDFWriteFile::SetPage(int32_t pageIndex, int32_t pageCount) {
   pageIndex_ = std::max(pageIndex, kAddPage);

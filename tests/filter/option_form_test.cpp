@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "platform/form_controls.h"
+#include "base/form_controls.h"
 #include "platform/settings.h"
 
 namespace kapdf {

@@ -2,87 +2,39 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
+
+#include "utf.h"
 
 namespace kapdf::tool {
 namespace {
 
-enum Keys : unsigned { kFilterKey = 1, kPdf = 2, kFilterPdf = 4 };
-
-struct SettingRow {
-  std::string_view name;
-  SettingType type;
-  unsigned keys;
-};
-
-constexpr SettingType kInteger = SettingType::kInteger;
-constexpr SettingType kReal = SettingType::kReal;
-constexpr SettingType kText = SettingType::kText;
-
-constexpr SettingRow kSettings[] = {
-    {"ColorCompression", kInteger, kFilterPdf | kPdf},
-    {"BWCompression", kInteger, kFilterPdf | kPdf},
-    {"Quality", kInteger, kFilterPdf | kPdf},
-    {"PDFA", kInteger, kFilterPdf | kPdf},
-    {"AtOrigin", kInteger, kFilterPdf | kPdf},
-    {"PaperFrame", kReal, kFilterPdf | kPdf},
-    {"DPI", kInteger, kFilterPdf},
-    {"ColorDepth", kInteger, kFilterPdf},
-    {"ColorMode", kInteger, kFilterPdf},
-    {"Dither", kInteger, kFilterPdf},
-    {"ExtractText", kInteger, kFilterPdf},
-    {"AsImage", kInteger, kFilterPdf},
-    {"ConvertPoly", kInteger, kFilterPdf},
-    {"FitTolerance", kReal, kFilterPdf},
-    {"Log", kInteger, kFilterPdf},
-    {"WriteRetries", kInteger, kFilterPdf},
-    {"DefaultResolution", kInteger, kFilterKey},
-    {"CodePage", kInteger, kPdf},
-    {"GeoTiff", kInteger, kPdf},
-    {"EmbedFonts", kInteger, kPdf},
-    {"JoinStyle", kInteger, kPdf},
-    {"Miter", kReal, kPdf},
-    {"LineCap", kInteger, kPdf},
-    {"Subject", kText, kPdf},
-    {"Keywords", kText, kPdf},
-    {"Author", kText, kPdf},
-    {"Copyright", kText, kPdf},
-    {"ImageFrame", kInteger, kPdf},
-    {"UseEmbeddedFonts", kInteger, kPdf},
-    {"UseUnicodeMap", kInteger, kPdf},
-    {"Clipping", kInteger, kPdf},
-    {"CombineStripes", kInteger, kPdf},
-    {"WriteToTxt", kInteger, kPdf},
-    {"JSupport", kInteger, kPdf},
-    {"EPSGCode", kInteger, kPdf},
-    {"DefaultTextW2H", kText, kPdf},
-};
-
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 template <class Number>
-bool WholeText(std::string_view text, Number &number) {
+bool NumberWithin(const Setting &row, std::string_view text, Number &number) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && end == text.data() + text.size();
+  return error == std::errc() && end == text.data() + text.size() && number >= row.lowest && number <= row.highest;
 }
 
-bool TakesValue(const SettingRow &row, SettingValue &value) {
-  switch (row.type) {
-    case kInteger:
-      return WholeText(value.text, value.integer);
-    case kReal: {
-      double real = 0;
-      return WholeText(value.text, real) && std::isfinite(real);
-    }
-    case kText:
-      break;
-  }
+bool TakesValue(const Setting &row, SettingValue &value) {
+  double real = 0;
+  if (row.type() == SettingType::kInteger) return NumberWithin(row, value.text, value.integer);
+  if (row.type() == SettingType::kReal) return NumberWithin(row, value.text, real);
   // A line of a settings file cannot hold these.
-  return value.text.find_first_of(std::string_view("\r\n\0", 3)) == std::string::npos;
+  return value.text.find_first_of(std::string_view("\r\n\0", 3)) == std::string::npos &&
+         static_cast<double>(ToUtf16(value.text).size()) <= row.highest;
 }
 
-std::string_view Wants(SettingType type) {
-  return type == kInteger ? "an integer" : type == kReal ? "a number" : "a text of one line";
+std::string NumberText(double number) {
+  char text[32];
+  return {text, std::to_chars(text, text + sizeof text, number).ptr};
+}
+
+std::string Wants(const Setting &row) {
+  if (row.type() == SettingType::kText) return "one line of at most " + NumberText(row.highest) + " characters";
+  const bool whole = row.type() == SettingType::kInteger;
+  if (whole && row.highest - row.lowest == 1) return NumberText(row.lowest) + " or " + NumberText(row.highest);
+  return (whole ? "an integer from " : "a number from ") + NumberText(row.lowest) + " to " + NumberText(row.highest);
 }
 
 }  // namespace
@@ -97,24 +49,20 @@ Outcome ParseSetting(std::string_view assignment, std::vector<SettingValue> &val
     return FailUsage("--set takes NAME=VALUE, not \"" + std::string(assignment) + "\"");
   }
   const std::string_view name = assignment.substr(0, equals);
-  const auto *row = std::find_if(std::begin(kSettings), std::end(kSettings),
-                                 [&](const SettingRow &r) { return EqualsIgnoringCase(r.name, name); });
+  const auto *row = std::ranges::find_if(kSettings, [&](const Setting &r) { return EqualsIgnoringCase(r.name, name); });
   if (row == std::end(kSettings)) {
     return FailUsage("there is no setting \"" + std::string(name) + "\"; kapdf --help-settings lists them");
   }
   SettingValue value;
   value.name = row->name;
-  value.type = row->type;
+  value.type = row->type();
   value.text = assignment.substr(equals + 1);
   if (!TakesValue(*row, value)) {
-    return FailUsage("the setting " + value.name + " takes " + std::string(Wants(row->type)) + ", not \"" + value.text +
-                     "\"");
+    return FailUsage("the setting " + value.name + " takes " + Wants(*row) + ", not \"" + value.text + "\"");
   }
-  constexpr std::pair<Keys, std::string_view> kSuffixes[] = {
-      {kFilterKey, "\\Filter"}, {kPdf, "\\PDF"}, {kFilterPdf, "\\Filter\\PDF"}};
-  for (const auto &entry : kSuffixes) {
-    if ((row->keys & entry.first) == 0) continue;
-    value.suffix = entry.second;
+  for (const std::optional<SettingKey> key : {std::optional(row->place.key), row->place.second}) {
+    if (!key) continue;
+    value.suffix = SuffixOf(*key);
     std::erase_if(values, [&](const SettingValue &v) { return v.suffix == value.suffix && v.name == value.name; });
     values.push_back(value);
   }
@@ -123,10 +71,12 @@ Outcome ParseSetting(std::string_view assignment, std::vector<SettingValue> &val
 
 std::string SettingsHelp() {
   std::string out = "Settings for --set NAME=VALUE:\n";
-  for (const SettingRow &row : kSettings) {
-    out += "  " + std::string(row.name);
-    out.append(22 - row.name.size(), ' ');
-    out += row.type == kInteger ? "integer\n" : row.type == kReal ? "number\n" : "text\n";
+  for (const Setting &row : kSettings) {
+    std::string name(row.name);
+    name.resize(20, ' ');
+    out += "  " + name + std::string(row.help) + "\n" + std::string(22, ' ') + Wants(row);
+    if (row.type() != SettingType::kText) out += "; " + NumberText(row.fallback) + " unless set";
+    out += "\n";
   }
   return out;
 }

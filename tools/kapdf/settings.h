@@ -5,34 +5,31 @@
 #include <string_view>
 #include <vector>
 
+#include "base/settings_table.h"
 #include "outcome.h"
 
 namespace kapdf::tool {
 
 // The path that holds the user's own settings.
 inline constexpr std::string_view kUserSettingsPath = "Software\\Tessmark GmbH\\ZVIOFilter";
-// Every key below it that anything reads.
-inline constexpr std::string_view kSettingsSuffixes[] = {"", "\\Filter", "\\PDF", "\\Filter\\PDF"};
-
-enum class SettingType { kInteger, kReal, kText };
 
 // One value for one key. Integers are stored as numbers, everything else as text.
 struct SettingValue {
-  std::string suffix;  // one of kSettingsSuffixes
+  std::string suffix;  // one of kSettingSuffixes
   std::string name;
   SettingType type = SettingType::kText;
   int integer = 0;
   std::string text;
 };
 
-// Checks "NAME=VALUE" against the table of settings and appends one value for each key that reads the name.
-// Names are taken without regard to case.
+// Checks "NAME=VALUE" against the table of settings, with its bounds, and appends one value for each key of the
+// setting. Names are taken without regard to case.
 Outcome ParseSetting(std::string_view assignment, std::vector<SettingValue> &values);
 
 // ASCII letters only, as names of settings are.
 bool EqualsIgnoringCase(std::string_view a, std::string_view b);
 
-// All names with their type, for the help.
+// All names with what they take and do, for the help.
 std::string SettingsHelp();
 
 }  // namespace kapdf::tool

@@ -8,7 +8,7 @@
 #include <cwchar>
 #include <vector>
 
-#include "platform/form_controls.h"
+#include "base/form_controls.h"
 #include "platform/win32/instance.h"
 #include "platform/win32/wide.h"
 

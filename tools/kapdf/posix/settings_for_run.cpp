@@ -59,7 +59,7 @@ std::map<std::string, Section> ReadUserSettings(std::string &text) {
     if (line.size() > 1 && line.front() == '[' && line.back() == ']') {
       const std::string_view path = line.substr(1, line.size() - 2);
       section = nullptr;
-      for (const std::string_view suffix : kSettingsSuffixes) {
+      for (const std::string_view suffix : kSettingSuffixes) {
         if (EqualsIgnoringCase(path, std::string(kUserSettingsPath) + std::string(suffix))) {
           section = &sections[std::string(suffix)];
         }

@@ -77,7 +77,7 @@ bool SettingsForRun::Store(const std::vector<SettingValue> &values, std::string 
   path_ = ToUtf16(run);
   Wide(run).copy(keyInUse, std::size(keyInUse) - 1);
   bool stored = true;
-  for (const std::string_view suffix : kSettingsSuffixes) {
+  for (const std::string_view suffix : kSettingSuffixes) {
     const Key target = Key::Create(Wide(run + std::string(suffix)));
     stored = stored && target;
     if (!stored) break;
