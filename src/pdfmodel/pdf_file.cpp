@@ -94,9 +94,7 @@ uint32_t CPDFFile::ReadTrailer(int64_t &previous) {
   // A dictionary in place of the reference is not looked at: the file is read as if it were clear.
   if (trailer.GetAs<CPDFIndirectObject>("Encrypt")) return FilterEncrypted;
   if (const auto *root = trailer.GetAs<CPDFIndirectObject>("Root"); root && !root_) root_ = root->Copy();
-  const auto *size = trailer.GetAs<CPDFNumeric>("Size");
-  if (!size) return FilterNotPdf;
-  objectCount_ = size->intValue;
+  if (!trailer.GetAs<CPDFNumeric>("Size")) return FilterNotPdf;
   const auto *link = trailer.GetAs<CPDFNumeric>("Prev");
   if (link && xref_->VisitSection(link->intValue)) previous = link->intValue;
   return 0;

@@ -53,7 +53,6 @@ class CPDFFile final : public CPDFBlockSource {
   std::unique_ptr<PDFPageTree> pageTree_;
   std::unique_ptr<CPDFIndirectObject> root_;
   std::unique_ptr<CPDFIndirectObject> pagesRoot_;
-  int32_t objectCount_ = 0;
   NamedPropertyQueue properties_;
   void *parentWindow_ = nullptr;
 };

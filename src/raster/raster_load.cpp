@@ -1,6 +1,5 @@
 // Loading image XObjects: their dictionaries, masks and stripes.
 #include "base/ascii.h"
-#include "base/color.h"
 #include "base/limits.h"
 #include "raster/raster_object.h"
 
@@ -55,18 +54,7 @@ void CPDFRasterObject::LoadSoftMask(const LoadPath &path) {
   const auto *reference = dictionary_->GetAs<CPDFIndirectObject>("SMask");
   if (!reference) return;
   softMask_ = std::make_unique<CPDFRasterObject>(objects_, settings_);
-  if (!softMask_->Load(reference->objectNumber, &path, true) || !softMask_->Prepare()) {
-    softMask_.reset();
-    return;
-  }
-  const auto *matte = softMask_->dictionary_ ? softMask_->dictionary_->GetAs<CPDFArray>("Matte") : nullptr;
-  if (!matte || matte->Count() != 3) return;
-  uint32_t channels[3] = {};
-  for (uint32_t i = 0; i < 3; ++i) {  // whole numbers without any scale: what lies between 0 and 1 is 0
-    if (const auto *number = dynamic_cast<const CPDFNumeric *>(matte->GetAt(i)))
-      channels[i] = static_cast<uint32_t>(number->intValue) & 0xFF;
-  }
-  matte_ = PackColor(channels[0], channels[1], channels[2]);
+  if (!softMask_->Load(reference->objectNumber, &path, true) || !softMask_->Prepare()) softMask_.reset();
 }
 
 // Every reference of the dictionary is a stripe. One that cannot be read fails the container.

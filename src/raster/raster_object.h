@@ -81,7 +81,6 @@ class CPDFRasterObject final : public CPDFXObject {
   // Of the rows that are delivered.
   uint32_t width() const { return mask_ ? mask_->width_ : turned_ ? height_ : width_; }
   uint32_t height() const { return mask_ ? mask_->height_ : turned_ ? width_ : height_; }
-  uint32_t matte() const { return matte_; }
 
   // Whether a small 1-bit image is all painted or all blank. Decodes it once.
   enum class Solid { kUntested = -1, kNo = 0, kSolid = 1, kBlank = 2 };
@@ -142,7 +141,6 @@ class CPDFRasterObject final : public CPDFXObject {
   bool imageMask_ = false;
   bool isMask_ = false;  // of another image
   bool turned_ = false;  // one pixel wide: its column is delivered as a row
-  uint32_t matte_ = 0;
   Affine matrix_;
   Placement placement_;
 
