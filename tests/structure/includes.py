@@ -8,19 +8,31 @@ import pathlib
 import re
 import sys
 
-# What a room may include beside itself, include/kapdf and src/base: these rooms, and what they may include.
-ARROWS = {
-    "base": [],
-    "platform": [],
-    "geometry": [],
-    "renderer": ["platform"],
-    "io": ["platform", "geometry"],
-    "pdfmodel": ["io"],
-    "raster": ["pdfmodel"],
-    "fonts": ["pdfmodel"],
-    "content": ["raster", "fonts"],
-    "writer": ["pdfmodel", "fonts"],
-    "filter": ["content", "writer", "renderer"],
+# What a room may include beside itself, include/kapdf and src/base: these rooms, and what they may include. Includes
+# are written from the folder of the rooms.
+ROOMS = {
+    "src": {
+        "base": [],
+        "platform": [],
+        "geometry": [],
+        "renderer": ["platform"],
+        "io": ["platform", "geometry"],
+        "pdfmodel": ["io"],
+        "raster": ["pdfmodel"],
+        "fonts": ["pdfmodel"],
+        "content": ["raster", "fonts"],
+        "writer": ["pdfmodel", "fonts"],
+        "filter": ["content", "writer", "renderer"],
+    },
+    "tools/kapdf": {
+        "system": [],
+        "records": ["system"],
+        "jsonl": ["records"],
+        "svg": ["records"],
+        "pictures": ["records"],
+        "module": ["records"],
+        "commands": ["jsonl", "svg", "pictures", "module"],
+    },
 }
 
 # Headers in angle brackets with a dot that belong to no operating system; those without one are C++'s own.
@@ -33,13 +45,13 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')
 SYSTEM_TEST = re.compile(r"^\s*#\s*(?:if|ifdef|ifndef|elif)\b.*\b_*(?:WIN32|WIN64|MINGW\w*|MSC_VER|linux|unix|APPLE|GLIBC)_*\b")
 
 
-def reach(room):
+def reach(arrows, room):
     rooms, todo = {"base"}, [room]
     while todo:
         next_room = todo.pop()
         if next_room not in rooms or next_room == "base":
             rooms.add(next_room)
-            todo += ARROWS[next_room]
+            todo += arrows[next_room]
     return rooms
 
 
@@ -52,17 +64,23 @@ def knows_system(path, root):
     return parts[:2] in (("src", "platform"), ("tools", "kapdf")) and bool({"win32", "posix"} & set(parts[:-1]))
 
 
+def room_of(folder, path):
+    """The room's name, or for what lies beside the rooms that of the file; None outside of the folder."""
+    return path.relative_to(folder).parts[0] if folder in path.parents else None
+
+
 def check(root):
     """Returns the list of violations and the number of files seen."""
     root = pathlib.Path(root)
     found, graph, seen = [], {}, 0
-    for top in ("src", "tools", "include"):
-        for path in sources(root / top):
+    for top in (*ROOMS, "include"):
+        folder, arrows = root / top, ROOMS.get(top)
+        for path in sources(folder):
             seen += 1
             place = path.relative_to(root).as_posix()
-            room = path.relative_to(root / top).parts[0]
-            if top == "src" and room not in ARROWS:
-                found.append(f"{place}: {room} is no room of the house")
+            room = room_of(folder, path)
+            if arrows and room not in arrows:
+                found.append(f"{place}: {room} is no room of {top}")
                 continue
             for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
                 where = f"{place}:{number}"
@@ -77,26 +95,29 @@ def check(root):
                     if not portable and not knows_system(path, root):
                         found.append(f"{where}: <{angled}> is no portable header")
                     continue
-                target = resolve(root, top, path, quoted)
+                target = resolve(root, top, quoted)
                 if target is None:
                     found.append(f'{where}: "{quoted}" is not found from this place')
                     continue
                 graph.setdefault(path, []).append(target)
-                if top == "src" and (root / "src") in target.parents:
-                    other = target.relative_to(root / "src").parts[0]
-                    if other not in reach(room):
+                other = arrows and room_of(folder, target)
+                if other:
+                    if other not in reach(arrows, room):
                         found.append(f"{where}: {room} may not include {other}")
                     if knows_system(target, root) and other != room:
-                        found.append(f"{where}: {quoted} belongs to the inside of the platform")
-                elif top == "tools" and (root / "src") in target.parents and (root / "src/base") not in target.parents:
-                    found.append(f"{where}: tools know src/ through include/kapdf and src/base only")
+                        found.append(f"{where}: {quoted} belongs to the inside of {other}")
+                elif root / "include" not in target.parents and room_of(root / "src", target) != "base":
+                    found.append(f"{where}: {top} knows its surroundings through include/kapdf and src/base only")
+    for path in sources(root / "tools"):
+        if not any(root / top in path.parents for top in ROOMS):
+            found.append(f"{path.relative_to(root).as_posix()}: belongs to a folder whose rooms are not known")
     return found + circles(root, graph), seen
 
 
-def resolve(root, top, path, name):
-    bases = {"src": [root / "src"], "tools": [path.parent, root / "tools" / "kapdf", root / "src"], "include": []}[top]
-    for base in bases + [root / "include"]:
-        target = (base / name).resolve()
+def resolve(root, top, name):
+    bases = {"src": ["src"], "tools/kapdf": ["tools/kapdf", "src"], "include": []}[top]
+    for base in bases + ["include"]:
+        target = (root / base / name).resolve()
         if target.is_file():
             return target
     return None

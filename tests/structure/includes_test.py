@@ -12,7 +12,9 @@ CLEAN = {
     "src/platform/win32/file.cpp": '#include "platform/file.h"\n#include <windows.h>\n#ifdef _WIN32\n#endif\n',
     "src/io/source.h": '#include "platform/file.h"\n#include "kapdf/kapdf.h"\n',
     "src/content/page.h": '#include "io/source.h"\n',
-    "tools/kapdf/main.cpp": '#include "kapdf/kapdf.h"\n#include "base/bytes.h"\n',
+    "tools/kapdf/system/posix/os.h": "#include <unistd.h>\n",
+    "tools/kapdf/records/kinds.h": '#include "kapdf/kapdf.h"\n#include "base/bytes.h"\n',
+    "tools/kapdf/commands/import.cpp": '#include "records/kinds.h"\n',
 }
 
 CASES = [
@@ -26,8 +28,14 @@ CASES = [
     ("src/io/posix/bad.cpp", "#ifdef __linux__\n#endif\n", "asks for the operating system"),
     ("src/extra/bad.h", "\n", "extra is no room"),
     ("src/io/source.h", '#include "io/ring.h"\n', "circle: src/io/source.h -> src/io/ring.h -> src/io/source.h"),
-    ("tools/kapdf/bad.cpp", '#include "../../src/io/source.h"\n', "through include/kapdf and src/base only"),
-    ("tools/kapdf/bad.cpp", '#include "io/source.h"\n', "through include/kapdf and src/base only"),
+    ("src/io/bad.h", '#include "../tools/kapdf/records/kinds.h"\n', "through include/kapdf and src/base only"),
+    ("tools/other/bad.h", "\n", "whose rooms are not known"),
+    ("tools/kapdf/bad.h", "\n", "bad.h is no room of tools/kapdf"),
+    ("tools/kapdf/system/bad.h", '#include "records/kinds.h"\n', "system may not include records"),
+    ("tools/kapdf/records/bad.h", '#include "kinds.h"\n', "not found from this place"),
+    ("tools/kapdf/commands/bad.h", '#include "system/posix/os.h"\n', "belongs to the inside of system"),
+    ("tools/kapdf/svg/bad.cpp", '#include "../../src/io/source.h"\n', "through include/kapdf and src/base only"),
+    ("tools/kapdf/svg/bad.cpp", '#include "io/source.h"\n', "through include/kapdf and src/base only"),
 ]
 
 

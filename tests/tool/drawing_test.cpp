@@ -1,5 +1,5 @@
 // Dashes and SVG, straight from records.
-#include "drawing.h"
+#include "jsonl/drawing.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <sstream>
 #include <tuple>
 
-#include "dash_breaker.h"
-#include "svg_writer.h"
+#include "records/dash_breaker.h"
+#include "svg/svg_writer.h"
 
 namespace kapdf::tool {
 namespace {

@@ -11,9 +11,9 @@
 #include <limits>
 #include <vector>
 
-#include "drawing.h"
+#include "jsonl/drawing.h"
+#include "jsonl/record_writer.h"
 #include "platform/settings.h"
-#include "record_writer.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The host program against the fake module: what it reads, writes, says and leaves behind.
-#include "tool.h"
+#include "commands/tool.h"
 
 #include <gtest/gtest.h>
 #include <png.h>
@@ -8,10 +8,10 @@
 #include <filesystem>
 #include <sstream>
 
-#include "base64.h"
-#include "os.h"
+#include "jsonl/base64.h"
 #include "platform/settings.h"
 #include "support/bytes.h"
+#include "system/os.h"
 
 namespace kapdf::tool {
 namespace {

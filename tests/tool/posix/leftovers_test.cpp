@@ -10,8 +10,8 @@
 #include <sstream>
 #include <streambuf>
 
-#include "os.h"
-#include "tool.h"
+#include "commands/tool.h"
+#include "system/os.h"
 
 namespace kapdf::tool {
 namespace {
