@@ -1,5 +1,7 @@
 // Runs one fuzz target over the files and folders named on the command line, without libFuzzer. An input that takes
 // more than ten seconds ends the run.
+//   --seconds N   another limit
+//   --part I N    only every Nth file of them, the Ith first (from 1)
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
@@ -45,9 +47,15 @@ bool Replay(const std::filesystem::path &path, std::chrono::seconds limit) {
 int main(int argc, char **argv) {
   std::vector<std::filesystem::path> files;
   std::chrono::seconds limit(10);
+  size_t part = 1, parts = 1;
   for (int i = 1; i < argc; ++i) {
     if (std::string_view(argv[i]) == "--seconds" && i + 1 < argc) {
       limit = std::chrono::seconds(std::atoi(argv[++i]));
+      continue;
+    }
+    if (std::string_view(argv[i]) == "--part" && i + 2 < argc) {
+      part = std::max(std::strtoul(argv[++i], nullptr, 10), 1ul);
+      parts = std::max(std::strtoul(argv[++i], nullptr, 10), 1ul);
       continue;
     }
     if (!std::filesystem::is_directory(argv[i])) {
@@ -61,6 +69,6 @@ int main(int argc, char **argv) {
   std::sort(files.begin(), files.end());
   if (files.empty()) std::fprintf(stderr, "no files to replay\n");
   bool ok = !files.empty();
-  for (const auto &file : files) ok = Replay(file, limit) && ok;
+  for (size_t i = part - 1; i < files.size(); i += parts) ok = Replay(files[i], limit) && ok;
   return ok ? 0 : 1;
 }

@@ -47,7 +47,7 @@ PdfBuilder PageOf(std::string_view deflated, std::string_view entries = "") {
 }
 
 void AddContentBombs(SeedFolder &folder) {
-  constexpr size_t kGigabyte = size_t{1} << 30, kTens = size_t{32} << 20;
+  constexpr size_t kGigabyte = size_t{1} << 30, kTens = size_t{12} << 20;
   const struct {
     std::string_view name, text;
     size_t bytes;
@@ -70,14 +70,15 @@ void AddContentBombs(SeedFolder &folder) {
     folder.Add(one.name, PageOf(DeflatedRepeats(one.text, one.bytes)).Build());
   }
   std::string dashes, patterns = "[";
-  for (int i = 0; i < 1'000'000; ++i) dashes += "[" + std::to_string(i) + "]0 d\n";
+  for (int i = 0; i < 300'000; ++i) dashes += "[" + std::to_string(i) + "]0 d\n";
   for (int i = 0; i < 1'000'000; ++i) patterns += "1 ";
   folder.Add("content_dashes", PageOf(Deflate(dashes + "0 0 m 1 1 l S")).Build());
   folder.Add("content_long_dash", PageOf(Deflate(patterns + "]0 d 0 0 m 1 1 l S")).Build());
   std::string contents;
   for (int i = 0; i < 200'000; ++i) contents += "4 0 R ";
-  folder.Add("content_shared",
-             PageOf(DeflatedRepeats(" ", 1 << 20)).Object(3, "<</Type /Page /Contents [" + contents + "]>>").Build());
+  folder.Add(
+      "content_shared",
+      PageOf(Deflate(std::string(1 << 16, ' '))).Object(3, "<</Type /Page /Contents [" + contents + "]>>").Build());
 }
 
 void AddResourceBombs(SeedFolder &folder) {
