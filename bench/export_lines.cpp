@@ -41,13 +41,15 @@ const std::vector<double> &Coordinates() {
   return values;
 }
 
+const Sections kTables(KAPDF_SECTION_TABLES), kDrawing(KAPDF_SECTION_DRAWING);
+
 void DrawLines(CPDFWriteFile &writer, ElementRecord &record) {
   const std::vector<double> &c = Coordinates();
   for (size_t i = 0; i + 3 < c.size(); i += 4) {
     LinePayload line{0.25, c[i], c[i + 1], c[i + 2], c[i + 3]};
     record.kind = ElemLine;
     record.payload = &line;
-    writer.WriteElement(record);
+    writer.WriteElement(record, kDrawing);
   }
 }
 
@@ -60,7 +62,7 @@ void DrawPolylines(CPDFWriteFile &writer, ElementRecord &record) {
     polyline.vertices = c.data() + i;
     record.kind = ElemPolyline;
     record.payload = &polyline;
-    writer.WriteElement(record);
+    writer.WriteElement(record, kDrawing);
   }
 }
 
@@ -73,7 +75,7 @@ void DrawTexts(CPDFWriteFile &writer, ElementRecord &record) {
   font.faceName = face;
   record.kind = ElemFontDef;
   record.payload = &font;
-  writer.Define(record);
+  writer.WriteElement(record, kTables);
   std::copy(std::begin(style), std::end(style), record.styleName);
   record.kind = ElemText;
   for (size_t i = 0; i + 3 < c.size(); i += 4) {
@@ -87,7 +89,7 @@ void DrawTexts(CPDFWriteFile &writer, ElementRecord &record) {
     payload.widthFactor = 1;
     payload.text = text.data();
     record.payload = &payload;
-    writer.WriteElement(record);
+    writer.WriteElement(record, kDrawing);
   }
 }
 
@@ -110,7 +112,7 @@ Stream Export(Drawing draw) {
   record.payload = &layer;
   record.color = 256;
   std::copy(std::begin(name), std::end(name), record.layerName);
-  writer.Define(record);
+  writer.WriteElement(record, kTables);
   draw(writer, record);
   writer.Finish();
   return stream;

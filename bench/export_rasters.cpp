@@ -78,11 +78,12 @@ size_t Export(const WriteSettings &settings, uint32_t pixelType, uint32_t width,
     ElementRecord record{};
     record.kind = ElemRasterHeader;
     record.payload = &header;
-    writer.OpenRaster(record);
+    const Sections drawing(KAPDF_SECTION_DRAWING);
+    writer.WriteElement(record, drawing);
     record.kind = ElemRasterRows;
     for (uint32_t y = 0; y < height; ++y) {
       giveRow(record, y);
-      if (writer.WriteRow(record) != FilterOk) std::abort();
+      if (writer.WriteElement(record, drawing) != FilterOk) std::abort();
     }
     writer.Finish();
   }

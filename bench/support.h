@@ -80,7 +80,7 @@ class Reader {
   CPDFFilter *operator->() const { return filter_; }
 
  private:
-  CPDFFilter *filter_ = new CPDFFilter(nullptr, false);
+  CPDFFilter *filter_ = new CPDFFilter(nullptr);
 };
 
 inline std::u16string Wide(const std::string &ascii) { return {ascii.begin(), ascii.end()}; }

@@ -154,7 +154,7 @@ void RunOne(Input in) {
   const std::u16string options(ascii.begin(), ascii.end());
   const bool pageClosed = in.Below(7) != 0, closed = in.Below(15) != 0;
   {
-    const fuzz::FilterPointer filter(new CPDFFilter(fuzz::kSettingsPath, true));
+    const fuzz::FilterPointer filter(new CPDFFilter(fuzz::kSettingsPath));
     if (filter->OpenWrite(path.c_str(), &info, nullptr, options.c_str()) != FilterOk) return;
     SendTables(*filter, in);
     filter->BeginSection(KAPDF_SECTION_PAGE, 0, 0);

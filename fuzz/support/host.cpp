@@ -192,7 +192,7 @@ void Require(bool condition, const char *text) {
 }
 
 uint32_t ImportPages(const char16_t *path, int most) {
-  const FilterPointer filter(new CPDFFilter(kSettingsPath, false));
+  const FilterPointer filter(new CPDFFilter(kSettingsPath));
   FileInfo info{};
   const uint32_t first = filter->OpenRead(path, &info, nullptr, nullptr, nullptr, nullptr);
   uint32_t result = first;

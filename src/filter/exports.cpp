@@ -7,17 +7,18 @@
 
 namespace {
 
-FilterObject *Create(const char16_t *registryPath, bool writing) {
+// One class reads and writes.
+FilterObject *Create(const char16_t *registryPath) {
   try {
-    return reinterpret_cast<FilterObject *>(
-        static_cast<kapdf::CZVFilter *>(new kapdf::CPDFFilter(registryPath, writing)));
+    return reinterpret_cast<FilterObject *>(static_cast<kapdf::CZVFilter *>(new kapdf::CPDFFilter(registryPath)));
   } catch (...) {
     return nullptr;
   }
 }
 
-FilterObject *CreateReader(const char16_t *registryPath) { return Create(registryPath, false); }
-FilterObject *CreateWriter(const char16_t *registryPath) { return Create(registryPath, true); }
+// One each, since hosts may tell the rows by them.
+FilterObject *CreateReader(const char16_t *registryPath) { return Create(registryPath); }
+FilterObject *CreateWriter(const char16_t *registryPath) { return Create(registryPath); }
 
 void DestroyFilter(FilterObject *filter) {
   if (filter) reinterpret_cast<kapdf::CZVFilter *>(filter)->Destroy(1);

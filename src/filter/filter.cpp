@@ -3,11 +3,12 @@
 
 #include <algorithm>
 
+#include "filter/document_reader.h"
 #include "filter/option_form.h"
-#include "platform/file.h"
 #include "platform/narrow_path.h"
-#include "platform/settings.h"
+#include "renderer/preview.h"
 #include "renderer/renderer.h"
+#include "writer/write_file.h"
 
 namespace kapdf {
 
@@ -21,16 +22,8 @@ uint32_t CZVFilter::ReadElement(ElementRecord *) { return FilterOk; }
 uint32_t CZVFilter::OpenWrite(const char16_t *, FileInfo *, ProgressObject *, const char16_t *) { return FilterOk; }
 uint32_t CZVFilter::Reserved6(void *) { return FilterOk; }
 
-uint32_t CZVFilter::BeginSection(int32_t section, uintptr_t, uintptr_t) {
-  currentSection_ = static_cast<uint32_t>(section);
-  return FilterOk;
-}
-
-uint32_t CZVFilter::EndSection(int32_t, uintptr_t, uintptr_t) {
-  currentSection_ = 0;
-  return FilterOk;
-}
-
+uint32_t CZVFilter::BeginSection(int32_t, uintptr_t, uintptr_t) { return FilterOk; }
+uint32_t CZVFilter::EndSection(int32_t, uintptr_t, uintptr_t) { return FilterOk; }
 uint32_t CZVFilter::WriteElement(ElementRecord *) { return FilterNotAvailable; }
 
 uint32_t CZVFilter::WriteBlock(const void *buffer, uint32_t size, uint32_t count, std::FILE *stream, uint32_t reset) {
@@ -43,24 +36,15 @@ uint32_t CZVFilter::Close() { return FilterOk; }
 uint32_t CZVFilter::ShowOptions(int32_t, void *, void *) { return FilterNotAvailable; }
 uint32_t CZVFilter::Extended(void *, int32_t, void *) { return FilterNotExtended; }
 
-CPDFFilter::CPDFFilter(const char16_t *registryPath, bool writing) : CZVFilter(registryPath), writing_(writing) {
-  ReadSettings();
-}
+CPDFFilter::CPDFFilter(const char16_t *registryPath) : CZVFilter(registryPath) { ReadSettings(); }
+
+CPDFFilter::~CPDFFilter() = default;
 
 void CPDFFilter::ReadSettings() {
-  const platform::SettingsAt<SettingKey::kFilterPdf> settings(registryPath_);
-  writeSettings_.Read(settings);
-  importOptions_.asImage = settings.Integer("AsImage");
-  importOptions_.dpi = settings.Integer("DPI");
-  importOptions_.colorDepth = settings.Integer("ColorDepth");
-  importOptions_.extractText = settings.Integer("ExtractText");
-  dither_ = settings.Integer("Dither");
-  interpreterSettings_.convertPoly = settings.Switch("ConvertPoly");
-  interpreterSettings_.fitTolerance = settings.Real("FitTolerance");
-  if (settings.Switch("Log")) {
-    const std::string log = platform::ToNarrowPath(platform::DiagnosticPath("sdklog.txt"));
-    CallIfThere(Renderer().VgPsSetMessageFile, log.c_str());
-  }
+  settings_ = FilterSettings::Of(registryPath_);
+  if (!settings_.log) return;
+  const std::string log = platform::ToNarrowPath(platform::DiagnosticPath("sdklog.txt"));
+  CallIfThere(Renderer().VgPsSetMessageFile, log.c_str());
 }
 
 // A writer that nobody closed is not finished: its file stays as it is.
@@ -73,7 +57,7 @@ void CPDFFilter::Destroy(uint32_t deleteFlag) {
 
 uint32_t CPDFFilter::Close() {
   try {
-    DropDocument();
+    reader_.reset();
     if (writer_ && stream_) writer_->Finish();
   } catch (...) {  // a full memory leaves the file as far as it got
   }
@@ -102,32 +86,33 @@ uint32_t CPDFFilter::ShowOptions(int32_t which, void *parent, void *options) {
   }
 }
 
-void CPDFFilter::DropDocument() {
-  rasterHeader_.reset();
-  rasterPalette_.reset();
-  rasterAnnounced_ = false;
-  interpreter_.reset();
-  document_.reset();
+void *CPDFFilter::GetPreview(const char16_t *path, ProgressObject *progress) {
+  if (RendererIsBusy()) return nullptr;
+  try {
+    if (CanPreview()) {
+      previewBitmap_.reset();
+      previewBitmap_ = MakePreview(platform::ToNarrowPath(path ? path : u""), progress);
+    }
+  } catch (...) {
+    return nullptr;
+  }
+  return previewBitmap_.get();
 }
 
-// The number goes on the stack whatever it is, so that the sections stay balanced.
+// The number is kept whatever it is, so that the sections stay balanced.
 uint32_t CPDFFilter::BeginSection(int32_t section, uintptr_t a, uintptr_t b) {
-  if (subFilter_) return subFilter_->table->BeginSection(subFilter_, section, a, b);
+  if (FilterObject *sub = rendered_.subFilter()) return sub->table->BeginSection(sub, section, a, b);
   try {
-    sectionStack_.push_back(section);
-    if (writer_) writer_->BeginSection(section);
+    sections_.Begin(section);
   } catch (...) {
     return FilterNotAvailable;
   }
-  if (section < 2 || section == 7 || section > 8) return FilterNotAvailable;
-  currentSection_ = static_cast<uint32_t>(section);
-  return FilterOk;
+  return section < 2 || section == 7 || section > 8 ? FilterNotAvailable : FilterOk;
 }
 
 uint32_t CPDFFilter::EndSection(int32_t section, uintptr_t a, uintptr_t b) {
-  if (subFilter_) return subFilter_->table->EndSection(subFilter_, section, a, b);
-  if (sectionStack_.size() > 1) sectionStack_.pop_back();
-  currentSection_ = static_cast<uint32_t>(sectionStack_.back());
+  if (FilterObject *sub = rendered_.subFilter()) return sub->table->EndSection(sub, section, a, b);
+  sections_.End();
   try {
     if (writer_) writer_->EndSection(section);
   } catch (...) {

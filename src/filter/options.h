@@ -11,11 +11,13 @@
 
 namespace kapdf {
 
+// How a page comes as a raster image, if it does.
 struct ImportOptions {
   int32_t asImage = DefaultOf<int32_t>("AsImage");
   int32_t dpi = DefaultOf<int32_t>("DPI");
   int32_t colorDepth = DefaultOf<int32_t>("ColorDepth");
   int32_t extractText = DefaultOf<int32_t>("ExtractText");
+  int32_t dither = DefaultOf<int32_t>("Dither");
 };
 
 class OptionString {

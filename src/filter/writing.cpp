@@ -1,14 +1,13 @@
-// Writing: opening the output and routing elements to the writer.
+// Writing: the output, and its document.
 #include "filter/filter.h"
 #include "platform/environment.h"
 #include "platform/settings.h"
+#include "writer/write_file.h"
 
 namespace kapdf {
 namespace {
 
 constexpr uint32_t kRetryMilliseconds = 500;
-
-bool IsDrawingSection(int32_t section) { return section == 2 || section == 4 || section == 6 || section == 8; }
 
 }  // namespace
 
@@ -35,22 +34,20 @@ uint32_t CPDFFilter::StartWriter(const char16_t *path, FileInfo &info) {
   stream_ = OpenOutput(path ? path : u"", info);
   if (!stream_) return FilterCannotWrite;
   writer_ = std::make_unique<CPDFWriteFile>(stream_.get(), registryPath_, path);
-  writer_->SetPage(info.pageIndex, info.pageCount);
+  sections_.StartDocument();
   if (!optionString_.empty()) {
-    if (!ParseExportOptions(optionString_, writeSettings_)) return FilterBadOption;
-    writer_->Override(writeSettings_);
+    if (!ParseExportOptions(optionString_, settings_.write)) return FilterBadOption;
+    writer_->Override(settings_.write);
   }
   return writer_->Start(info);
 }
 
 // A writer whose start did not run is never finished; the file stays as it was opened.
-uint32_t CPDFFilter::OpenWrite(const char16_t *path, FileInfo *info, ProgressObject *progress,
-                               const char16_t *options) {
+uint32_t CPDFFilter::OpenWrite(const char16_t *path, FileInfo *info, ProgressObject *, const char16_t *options) {
   uint32_t result = FilterCannotWrite;
   try {
     Close();
-    DropRenderedPage();  // sections go to a sub-filter as long as there is one
-    hostContext_ = progress;
+    rendered_.Drop();  // sections go to a sub-filter as long as there is one
     if (options) optionString_ = options;
     result = StartWriter(path, *info);
   } catch (...) {
@@ -66,33 +63,10 @@ uint32_t CPDFFilter::OpenWrite(const char16_t *path, FileInfo *info, ProgressObj
 uint32_t CPDFFilter::WriteElement(ElementRecord *record) {
   if (!writer_) return FilterNotOpen;
   try {
-    switch (record->kind) {
-      case ElemNone:
-        return FilterOk;
-      case ElemEndOfPage:
-        return writer_->EndPage();
-      case ElemRasterHeader:
-        return writer_->OpenRaster(*record);
-      case ElemRasterRows: {
-        const uint32_t result = writer_->WriteRow(*record);
-        ProgressObject *progress = record->progress;
-        if (!progress || progress->table->Report(progress, writer_->Fraction()) == 0) return result;
-        // A stop does not end the call here: what the section makes of the record replaces it.
-        return sectionStack_.back() == 3 || IsDrawingSection(sectionStack_.back()) ? DispatchElement(*record)
-                                                                                   : FilterCancelled;
-      }
-      default:
-        return DispatchElement(*record);
-    }
+    return writer_->WriteElement(*record, sections_);
   } catch (...) {
     return FilterNotAvailable;
   }
-}
-
-uint32_t CPDFFilter::DispatchElement(ElementRecord &record) {
-  const int32_t section = sectionStack_.back();
-  if (section == 3) return writer_->Define(record);
-  return IsDrawingSection(section) ? writer_->WriteElement(record) : FilterOk;
 }
 
 }  // namespace kapdf

@@ -49,137 +49,167 @@ int32_t ValidContours(const FilledPolygonPayload &polygon) {
 
 }  // namespace
 
-uint32_t CPDFWriteFile::Define(const ElementRecord &record) {
-  if (!record.payload) return FilterConsumed;
-  if (record.kind == ElemLayerDef) layers_.Add(LoadAs<LayerDefPayload>(record.payload));
-  if (record.kind == ElemLineTypeDef) lineTypes_.Add(LoadAs<LineTypeDefPayload>(record.payload));
-  if (record.kind == ElemFontDef) fonts_.DefineFont(LoadAs<FontDefPayload>(record.payload));
+struct CPDFWriteFile::ElementKind {
+  uint32_t kind;
+  Where where;
+  uint32_t (CPDFWriteFile::*write)(ElementRecord &record, const Sections &sections);
+};
+
+const CPDFWriteFile::ElementKind CPDFWriteFile::kElementKinds[] = {
+    {ElemLine, Where::kPlainLines, &CPDFWriteFile::WritePlain<LinePayload>},
+    {ElemPolyline, Where::kPlainLines, &CPDFWriteFile::WritePolyline},
+    {ElemText, Where::kPlainLines, &CPDFWriteFile::WriteText},
+    {ElemFilledPolygon, Where::kPlainLines, &CPDFWriteFile::WriteFilledPolygon},
+    {ElemArc, Where::kPlainLines, &CPDFWriteFile::WritePlain<ArcPayload>},
+    {ElemCircle, Where::kPlainLines, &CPDFWriteFile::WriteCircle},
+    {ElemEllipseArc, Where::kPlainLines, &CPDFWriteFile::WritePlain<EllipseArcPayload>},
+    {ElemPoint, Where::kPlainLines, &CPDFWriteFile::WritePoint},
+    {ElemSolid, Where::kPlainLines, &CPDFWriteFile::WritePlain<SolidPayload>},
+    {ElemComposite, Where::kDrawing, &CPDFWriteFile::WriteComposite},
+    {ElemRasterPlacement, Where::kDrawing, &CPDFWriteFile::PlaceRaster},
+    {ElemNamedProperty, Where::kDrawing, &CPDFWriteFile::WriteProperty},
+    {ElemRasterRows, Where::kAnywhere, &CPDFWriteFile::WriteRow},
+    {ElemRasterHeader, Where::kAnywhere, &CPDFWriteFile::OpenRaster},
+    {ElemEndOfPage, Where::kAnywhere, &CPDFWriteFile::EndPage},
+    {ElemLayerDef, Where::kTables, &CPDFWriteFile::DefineLayer},
+    {ElemLineTypeDef, Where::kTables, &CPDFWriteFile::DefineLineType},
+    {ElemFontDef, Where::kTables, &CPDFWriteFile::DefineFont},
+};
+
+uint32_t CPDFWriteFile::WriteElement(ElementRecord &record, const Sections &sections) {
+  if (record.kind == ElemNone) return FilterOk;
+  const auto *kind = std::ranges::find(kElementKinds, record.kind, &ElementKind::kind);
+  if (kind == std::end(kElementKinds)) kind = nullptr;
+  if (kind && kind->where == Where::kAnywhere) return (this->*kind->write)(record, sections);
+  return WriteInSection(kind, record, sections);
+}
+
+// `kind` is null for one that is unknown.
+uint32_t CPDFWriteFile::WriteInSection(const ElementKind *kind, ElementRecord &record, const Sections &sections) {
+  if (sections.InTables()) {
+    if (kind && kind->where == Where::kTables && record.payload) (this->*kind->write)(record, sections);
+    return FilterConsumed;
+  }
+  if (!sections.InDrawing()) return FilterOk;
+  const bool drawn = kind && (kind->where == Where::kDrawing ||
+                              (kind->where == Where::kPlainLines && lineTypes_.IsPlain(FieldText(record.styleName))));
+  return drawn ? (this->*kind->write)(record, sections) : FilterUnsupported;
+}
+
+uint32_t CPDFWriteFile::DefineLayer(ElementRecord &record, const Sections &) {
+  layers_.Add(LoadAs<LayerDefPayload>(record.payload));
   return FilterConsumed;
 }
 
-uint32_t CPDFWriteFile::WriteElement(ElementRecord &record) {
-  switch (record.kind) {
-    case ElemEndOfPage:
-      return EndPage();
-    case ElemNamedProperty:
-      return WriteProperty(record);
-    case ElemRasterPlacement:
-      return PlaceRaster(record);
-    case ElemComposite:
-      BeginElement(record);
-      record.flags |= kCompositeSeen;
-      return FilterUnsupported;
-    default:
-      if (!lineTypes_.IsPlain(FieldText(record.styleName))) return FilterUnsupported;
-      return DrawElement(record);
-  }
+uint32_t CPDFWriteFile::DefineLineType(ElementRecord &record, const Sections &) {
+  lineTypes_.Add(LoadAs<LineTypeDefPayload>(record.payload));
+  return FilterConsumed;
 }
 
-// What the host cannot mean, or should send otherwise, is decided before anything is written.
-uint32_t CPDFWriteFile::DrawElement(const ElementRecord &record) {
-  switch (record.kind) {
-    case ElemPoint:
-      if (record.payload && LoadAs<PointPayload>(record.payload).pointStyle == 1) return FilterUnsupported;
-      return DrawPayload<PointPayload>(record);
-    case ElemPolyline: {
-      if (!record.payload) return FilterOk;
-      const auto polyline = LoadAs<PolylinePayload>(record.payload);
-      if (polyline.vertexCount < 2) return FilterOk;
-      if (polyline.curved != 0) return FilterUnsupported;
-      return polyline.vertices ? DrawPayload<PolylinePayload>(record) : FilterOk;
-    }
-    case ElemLine:
-      return DrawPayload<LinePayload>(record);
-    case ElemCircle:
-      return DrawPayload<CirclePayload>(record, false);
-    case ElemArc:
-      return DrawPayload<ArcPayload>(record);
-    case ElemSolid:
-      return DrawPayload<SolidPayload>(record);
-    case ElemText:
-      return WriteText(record);
-    case ElemEllipseArc:
-      return DrawPayload<EllipseArcPayload>(record);
-    case ElemFilledPolygon: {
-      if (!record.payload) return FilterOk;
-      const auto polygon = LoadAs<FilledPolygonPayload>(record.payload);
-      const int32_t contours = polygon.vertexCount < 3 ? 0 : ValidContours(polygon);
-      return contours > 0 ? DrawPayload<FilledPolygonPayload>(record, contours) : FilterOk;
-    }
-    default:
-      return FilterUnsupported;
-  }
+uint32_t CPDFWriteFile::DefineFont(ElementRecord &record, const Sections &) {
+  fonts_.DefineFont(LoadAs<FontDefPayload>(record.payload));
+  return FilterConsumed;
+}
+
+// False when the element is to be dropped without a word: there are no layers, or the page has ended.
+bool CPDFWriteFile::BeginElement(const ElementRecord &record) {
+  if (layers_.empty() || page_.ended() || state_ == State::kNew) return false;
+  images_.CutShort();
+  page_.Select(record);
+  return true;
 }
 
 template <class Payload, class... Rest>
-uint32_t CPDFWriteFile::DrawPayload(const ElementRecord &record, Rest... rest) {
-  if (record.payload && BeginElement(record)) content_.Draw(LoadAs<Payload>(record.payload), rest...);
+uint32_t CPDFWriteFile::Draw(const ElementRecord &record, Rest... rest) {
+  if (record.payload && BeginElement(record)) page_.content().Draw(LoadAs<Payload>(record.payload), rest...);
   return FilterOk;
 }
 
+template <class Payload>
+uint32_t CPDFWriteFile::WritePlain(ElementRecord &record, const Sections &) {
+  return Draw<Payload>(record);
+}
+
+// What the host cannot mean, or should send otherwise, is decided before anything is written.
+uint32_t CPDFWriteFile::WritePoint(ElementRecord &record, const Sections &) {
+  if (record.payload && LoadAs<PointPayload>(record.payload).pointStyle == 1) return FilterUnsupported;
+  return Draw<PointPayload>(record);
+}
+
+uint32_t CPDFWriteFile::WritePolyline(ElementRecord &record, const Sections &) {
+  if (!record.payload) return FilterOk;
+  const auto polyline = LoadAs<PolylinePayload>(record.payload);
+  if (polyline.vertexCount < 2) return FilterOk;
+  if (polyline.curved != 0) return FilterUnsupported;
+  return polyline.vertices ? Draw<PolylinePayload>(record) : FilterOk;
+}
+
+uint32_t CPDFWriteFile::WriteCircle(ElementRecord &record, const Sections &) {
+  return Draw<CirclePayload>(record, false);
+}
+
+uint32_t CPDFWriteFile::WriteFilledPolygon(ElementRecord &record, const Sections &) {
+  if (!record.payload) return FilterOk;
+  const auto polygon = LoadAs<FilledPolygonPayload>(record.payload);
+  const int32_t contours = polygon.vertexCount < 3 ? 0 : ValidContours(polygon);
+  return contours > 0 ? Draw<FilledPolygonPayload>(record, contours) : FilterOk;
+}
+
+uint32_t CPDFWriteFile::WriteComposite(ElementRecord &record, const Sections &) {
+  BeginElement(record);
+  record.flags |= kCompositeSeen;
+  return FilterUnsupported;
+}
+
 // Text of no font that is known shows nothing.
-uint32_t CPDFWriteFile::WriteText(const ElementRecord &record) {
+uint32_t CPDFWriteFile::WriteText(ElementRecord &record, const Sections &) {
   if (!record.payload || !BeginElement(record)) return FilterOk;
   const auto text = LoadAs<TextPayload>(record.payload);
   FontOut *const font = fonts_.FindFont(FieldText(record.styleName));
   const std::u16string_view characters = NameText(text.text);
   if (!font || characters.empty()) return FilterOk;
   font->MarkGlyphs(characters);
-  content_.Draw(text, *font);
+  page_.content().Draw(text, *font);
   return FilterOk;
 }
 
-// False when the element is to be dropped without a word: there are no layers, or the page has ended.
-bool CPDFWriteFile::BeginElement(const ElementRecord &record) {
-  if (layers_.empty() || pageEnded_ || !started_) return false;
-  CutRasterShort();
-  if (contentStart_ == 0) OpenContent();
-  content_.Select(record);
-  return true;
+// A raster belongs ahead of the first drawn element. Where content is open already its compressor goes away unfinished,
+// and what follows of the content stands in the file as plain text.
+uint32_t CPDFWriteFile::OpenRaster(ElementRecord &record, const Sections &) {
+  if (state_ != State::kStarted) return FilterNotOpen;
+  std::optional<ImagesOut::Plan> plan = images_.PlanOf(record);
+  if (!plan) return FilterBadRaster;
+  page_.StopCompressing();
+  return images_.Open(*std::move(plan)) ? FilterOk : FilterBadRaster;
 }
 
-void CPDFWriteFile::OpenContent() {
-  BeginReserved(contentsObject_).Text("<<\r/Length ");
-  contentLengthObject_ = ReserveHere();
-  out_.Reference(contentLengthObject_).Text("/Filter /FlateDecode\r>>\rstream\r\n");
-  contentStart_ = out_.Position();
-  contentCompressor_ = std::make_unique<CZVFlate>(*this, 0);
-  out_.SetCodec(contentCompressor_.get());
-  content_.Begin();
+// A stop does not end the call: what the section makes of the record takes its place.
+uint32_t CPDFWriteFile::WriteRow(ElementRecord &record, const Sections &sections) {
+  const uint32_t result = images_.AddRow(record);
+  ProgressObject *progress = record.progress;
+  if (!progress || progress->table->Report(progress, images_.fraction()) == 0) return result;
+  if (sections.InTables()) return FilterConsumed;
+  return sections.InDrawing() ? FilterUnsupported : FilterCancelled;
 }
 
-void CPDFWriteFile::CloseContent() {
-  content_.End();
-  out_.SetCodec(nullptr);
-  if (contentCompressor_) contentCompressor_->flush();
-  contentCompressor_.reset();
-  const int64_t length = out_.Position() - contentStart_;
-  out_.Text("\nendstream\rendobj\r");
-  WriteLength(contentLengthObject_, std::to_string(length) + "\r");
+// Only these two sections know placements. In the first the image is drawn at once, in the second with the end of a
+// page that has nothing else.
+uint32_t CPDFWriteFile::PlaceRaster(ElementRecord &record, const Sections &sections) {
+  const int32_t section = sections.ForPlacements();
+  if (section != KAPDF_SECTION_DRAWING && section != KAPDF_SECTION_RASTERS) return FilterNotAvailable;
+  if (!record.payload || page_.ended() || state_ == State::kNew) return FilterConsumed;
+  const auto place = LoadAs<RasterPlacementPayload>(record.payload);
+  PlacementTable &placements = images_.placements();
+  if (section == KAPDF_SECTION_RASTERS) {
+    placements.Add(record.imageKey, place, page_.content().ColorOf(record));
+    return FilterConsumed;
+  }
+  const size_t image = placements.Find(record.imageKey);
+  if (BeginElement(record)) page_.content().Draw(place, placements.Image(image), image);
+  return FilterConsumed;
 }
 
-// The length counts q, LF and Q; the LF behind belongs to the keyword.
-void CPDFWriteFile::WriteEmptyContent() {
-  BeginReserved(contentsObject_).Text("<<\r/Length ");
-  contentLengthObject_ = ReserveHere();
-  out_.Reference(contentLengthObject_).Text("\r>>\rstream\r\nq\nQ\nendstream\rendobj\r");
-  WriteLength(contentLengthObject_, "3 ");
-}
-
-uint32_t CPDFWriteFile::EndPage() {
-  if (pageEnded_ || !started_) return FilterOk;
-  pageEnded_ = true;
-  CutRasterShort();
-  if (contentStart_ != 0)
-    CloseContent();
-  else if (!placements_.waiting().empty())
-    WriteImagesContent();
-  else
-    WriteEmptyContent();
-  return FilterOk;
-}
-
-uint32_t CPDFWriteFile::WriteProperty(const ElementRecord &record) {
+uint32_t CPDFWriteFile::WriteProperty(ElementRecord &record, const Sections &) {
   if (!record.payload) return FilterOk;
   const auto property = LoadAs<NamedPropertyPayload>(record.payload);
   if (!EqualsIgnoringCase(property.name, u"COORDSYS")) return FilterUnsupported;
@@ -190,11 +220,16 @@ uint32_t CPDFWriteFile::WriteProperty(const ElementRecord &record) {
 
 // Belongs into the page's dictionary, so it can be taken only while that is open.
 uint32_t CPDFWriteFile::WriteCoordinateSystem(std::span<const uint8_t> bytes) {
-  if (!pageDictionaryOpen_ || CodecOpen()) return FilterConsumed;
+  if (!page_.dictionaryOpen() || CodecOpen()) return FilterConsumed;
   const auto block = LoadAs<CoordinateSystemBlock>(bytes.data());
   if (options_.geoTiff == 0 || TellsNothing(block)) return FilterOk;
-  out_.Drain();
-  WriteGeoreference(*this, block, {page_.scale, page_.originX, page_.originY});
+  objects_.text().Drain();
+  WriteGeoreference(*this, block, {page_.layout().scale, page_.layout().originX, page_.layout().originY});
+  return FilterOk;
+}
+
+uint32_t CPDFWriteFile::EndPage(ElementRecord &, const Sections &) {
+  FinishPage();
   return FilterOk;
 }
 

@@ -16,7 +16,7 @@ namespace {
 constexpr char16_t kPath[] = u"Software\\kaPDF-tests\\extending";
 
 struct Opened {
-  explicit Opened(const std::u16string &path, int32_t page) : filter(new CPDFFilter(kPath, true)) {
+  explicit Opened(const std::u16string &path, int32_t page) : filter(new CPDFFilter(kPath)) {
     info.xmax = info.ymax = 10;
     info.pageIndex = page;
     info.pageCount = 77;

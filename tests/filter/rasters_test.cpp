@@ -22,7 +22,7 @@ TEST(Rasters, AreAskedForByNameAndRowByRow) {
                     .Stream(6, image + "50", std::string(50, '\x55'))
                     .Build());
   file.Close();
-  const FilterPointer filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", false));
+  const FilterPointer filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter"));
   ProgressTable table{nullptr, nullptr, Report, nullptr, nullptr, nullptr, nullptr};
   ProgressObject sink{&table};
   FileInfo info{};
@@ -87,7 +87,7 @@ TEST(Rasters, StoppedWhileTheyAreWritten) {
   ProgressObject sink{&table};
   for (const auto &[section, result] : cases) {
     SCOPED_TRACE(section);
-    const FilterPointer filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", true));
+    const FilterPointer filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter"));
     FileInfo info{};
     info.xmax = info.ymax = 10;
     info.pageIndex = -1;

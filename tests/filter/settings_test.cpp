@@ -53,11 +53,11 @@ TEST_F(FilterSettings, AnOptionStringHandsOverTheFiltersOwn) {
       {u"/frame 0 /pdfa 0", "1.5 0.000 0.000 283.465 141.732 "},
   };
   for (const auto &[options, expected] : cases) {
-    const FilterPointer filter(new CPDFFilter(kPath, true));
+    const FilterPointer filter(new CPDFFilter(kPath));
     EXPECT_EQ(Written(*filter, options), expected);
   }
   // The string of a document stays with the object: its values are the settings of the next one.
-  const FilterPointer filter(new CPDFFilter(kPath, true));
+  const FilterPointer filter(new CPDFFilter(kPath));
   for (const char16_t *options : {u"/frame 5 /pdfa 0", static_cast<const char16_t *>(nullptr), u"/q 10"})
     EXPECT_EQ(Written(*filter, options), "1.5 -14.173 -14.173 297.638 155.906 ");
 }
@@ -67,7 +67,7 @@ TEST_F(FilterSettings, ClippingDropsWhatLiesBesideThePage) {
   file.Close();  // shared for reading means that nobody writes
   for (const int clipping : {1, 0}) {
     pdfKey.WriteInteger(u"Clipping", clipping);
-    const FilterPointer filter(new CPDFFilter(kPath, false));
+    const FilterPointer filter(new CPDFFilter(kPath));
     FileInfo info{};
     ASSERT_EQ(filter->OpenRead(file.path16().c_str(), &info, nullptr, nullptr, nullptr, nullptr), FilterOk);
     ElementRecord record{};
@@ -84,7 +84,7 @@ TEST_F(FilterSettings, AGeoreferencedPageGivesItsSystemFirst) {
                                     "/Projection <</Type /Projection>> >>"));
   file.Close();
   pdfKey.WriteInteger(u"EPSGCode", 32632);
-  const FilterPointer filter(new CPDFFilter(kPath, false));
+  const FilterPointer filter(new CPDFFilter(kPath));
   FileInfo info{};
   ASSERT_EQ(filter->OpenRead(file.path16().c_str(), &info, nullptr, nullptr, nullptr, nullptr), FilterOk);
   const ProgressTable stops{nullptr, nullptr, [](ProgressObject *, double) { return 1u; }, nullptr, nullptr,

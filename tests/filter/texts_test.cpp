@@ -1,6 +1,7 @@
 // Text that was exported comes back by import.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <numbers>
 
 #include "base/bytes.h"
@@ -27,7 +28,7 @@ constexpr struct {
 TEST(Texts, ComeBackAsTheyWereSent) {
   TempFile file("");
   file.Close();
-  FilterPointer filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter", true));
+  FilterPointer filter(new CPDFFilter(u"Software\\kaPDF-tests\\filter"));
   FileInfo info{};
   info.xmax = info.ymax = 150;
   info.pageIndex = -1;
@@ -65,7 +66,7 @@ TEST(Texts, ComeBackAsTheyWereSent) {
   }
   filter->Close();
 
-  filter.reset(new CPDFFilter(u"Software\\kaPDF-tests\\filter", false));
+  filter.reset(new CPDFFilter(u"Software\\kaPDF-tests\\filter"));
   info = {};
   ASSERT_EQ(filter->OpenRead(file.path16().c_str(), &info, nullptr, nullptr, nullptr, nullptr), FilterOk);
   constexpr double kPrinted = 2.835 * 25.4 / 72;  // three decimals of the page's factor

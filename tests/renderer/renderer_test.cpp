@@ -75,7 +75,7 @@ FilterObject *Factory(uint32_t zero, const char16_t *, const char16_t *path, Fil
 }
 
 struct Reader {
-  explicit Reader(const char16_t *settings = kSettings) : filter(*new CPDFFilter(settings, false)) {}
+  explicit Reader(const char16_t *settings = kSettings) : filter(*new CPDFFilter(settings)) {}
 
   CPDFFilter &filter;
   ElementRecord record{};

@@ -82,7 +82,7 @@ std::vector<KindCase> Kinds() {
          uint32_t worst = 0;
          for (uint32_t kind : {14u, 17u, 18u, 19u, 20u, 21u, 22u, 23u, 27u, 28u}) {
            ElementRecord record = RecordOf(kind, nullptr);
-           worst |= sheet.writer().WriteElement(record);
+           worst |= sheet.Write(record);
          }
          return worst;
        },
@@ -208,9 +208,9 @@ TEST(Content, NothingWithoutLayersOrBehindThePage) {
   Sheet sheet(workspace);
   sheet.Start();
   EXPECT_EQ(sheet.DrawLine(0, 0, 1, 1), FilterOk);
-  EXPECT_EQ(sheet.writer().EndPage(), FilterOk);
+  EXPECT_EQ(sheet.EndPage(), FilterOk);
   EXPECT_EQ(sheet.Layer(u"A").DrawLine(0, 0, 1, 1), FilterOk);
-  EXPECT_EQ(sheet.writer().EndPage(), FilterOk);
+  EXPECT_EQ(sheet.EndPage(), FilterOk);
   const std::string file = sheet.Finish(), empty = "stream\r\nq\nQ\nendstream";
   EXPECT_NE(file.find(empty), std::string::npos);
   EXPECT_EQ(file.find(empty), file.rfind(empty));

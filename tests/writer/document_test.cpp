@@ -60,7 +60,7 @@ TEST(Document, LayersAndOpacity) {
   double square[] = {0, 0, 9, 0, 9, 9, 0, 9};
   uint32_t starts[] = {0, 4};
   sheet.Draw(ElemFilledPolygon, FilledPolygonPayload{0, 1, starts, 4, square, 33.339, 0, 0, 0, {}}, u"B");
-  EXPECT_EQ(sheet.writer().EndPage(), FilterOk);
+  EXPECT_EQ(sheet.EndPage(), FilterOk);
   const std::string file = WithoutDate(sheet.Finish());
   const std::string data = Between(file, "stream\r\n", "\nendstream");
   const std::string body =

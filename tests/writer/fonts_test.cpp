@@ -36,7 +36,7 @@ void DefineFont(Sheet &sheet, std::u16string style, std::u16string face) {
   FontDefPayload font{};
   font.styleName = style.data();
   font.faceName = face.data();
-  sheet.writer().Define(RecordOf(ElemFontDef, &font));
+  sheet.Define(RecordOf(ElemFontDef, &font));
 }
 
 void Write(Sheet &sheet, std::u16string_view style, std::u16string text, double x = 20, double y = 30, double angle = 0,
@@ -50,7 +50,7 @@ void Write(Sheet &sheet, std::u16string_view style, std::u16string text, double 
   payload.text = text.data();
   ElementRecord record = RecordOf(ElemText, &payload);
   style.copy(record.styleName, 255);
-  EXPECT_EQ(sheet.writer().WriteElement(record), FilterOk);
+  EXPECT_EQ(sheet.Write(record), FilterOk);
 }
 
 std::string StreamAt(const std::string &file, std::string_view head) {

@@ -16,7 +16,6 @@ std::string WriteDrawing(const Workspace &workspace, const char *name, double si
   std::string narrow = name;
   Sheet sheet(workspace, std::u16string(narrow.begin(), narrow.end()), size, size / 2);
   sheet.Start().Layer(u"Walls", 1, 1).Layer(u"Hidden", 3, 0.5, true).Layer(u"Areas", 170);
-  sheet.writer().BeginSection(4);
   const double s = size / 200;
   sheet.DrawLine(5 * s, 5 * s, 60 * s, 40 * s, 0, u"Walls");
   sheet.DrawLine(0, 0, 200 * s, 100 * s, 0, u"Hidden");
@@ -34,7 +33,6 @@ std::string WriteDrawing(const Workspace &workspace, const char *name, double si
   uint32_t starts[] = {0, 4, 8};
   const FilledPolygonPayload polygon{1, 2, starts, 8, holed, 40, 0, 0, 1, {}};
   sheet.Draw(ElemFilledPolygon, polygon, u"Areas", 0x80208020);
-  sheet.writer().EndSection(4);
   sheet.Finish();
   return narrow;
 }

@@ -23,11 +23,11 @@ std::string WriteArchive(const Workspace &workspace) {
   FontDefPayload font{};
   font.styleName = style.data();
   font.faceName = face.data();
-  sheet.writer().Define(RecordOf(ElemFontDef, &font));
+  sheet.Define(RecordOf(ElemFontDef, &font));
   TextPayload payload{5, 5, {}, 0, 0, 0, 3, 1, 0, text.data(), nullptr};
   ElementRecord record = RecordOf(ElemText, &payload);
   record.styleName[0] = u's';
-  EXPECT_EQ(sheet.writer().WriteElement(record), FilterOk);
+  EXPECT_EQ(sheet.Write(record), FilterOk);
   return sheet.Finish();
 }
 

@@ -97,7 +97,8 @@ TEST(Rasters, HostsThatSendTooMuchOrTooLittle) {
   sheet.Start().Layer(u"A");
   EXPECT_EQ(sheet.writer().Fraction(), 1.0);
   EXPECT_EQ(sheet.Row("\1"), FilterNoRasterOpen);
-  EXPECT_EQ(sheet.writer().OpenRaster({}), FilterBadRaster);
+  ElementRecord empty = RecordOf(ElemRasterHeader, nullptr);
+  EXPECT_EQ(sheet.Write(empty), FilterBadRaster);
   for (const uint32_t type : {3u, 6u}) EXPECT_EQ(sheet.Raster(1, 1, type), FilterBadRaster) << type;
   for (const uint32_t side : {0u, 1'000'001u}) EXPECT_EQ(sheet.Raster(1, side, 0), FilterBadRaster) << side;
   // The first never gets its second row; its name is the next one's.
@@ -154,9 +155,11 @@ TEST(Rasters, DrawnAtOnceOrWithTheEndOfThePage) {
   EXPECT_EQ(drawn.Place(4, 70, plain), FilterConsumed);
   EXPECT_EQ(drawn.Place(4, 6, plain), FilterConsumed) << "of an image that never comes";
   for (const int32_t section : {2, 8}) EXPECT_EQ(drawn.Place(section, 70, plain), FilterNotAvailable);
-  drawn.writer().BeginSection(4);
-  drawn.writer().EndSection(8);
-  EXPECT_EQ(drawn.Draw(ElemRasterPlacement, plain), FilterNotAvailable) << "every end clears the section";
+  Sections left(4);
+  left.Begin(8);
+  left.End();
+  ElementRecord placement = RecordOf(ElemRasterPlacement, nullptr);
+  EXPECT_EQ(drawn.writer().WriteElement(placement, left), FilterNotAvailable) << "every end clears the section";
   const std::string red = "1.00 0.00 0.00 rg\nq\n";
   EXPECT_EQ(ContentOf(drawn.Finish()), "q\n1 j\n2.835 0 0 2.835 0 0 cm\n1.00 0.00 0.00 RG\n/OC /oc0 BDC\n" + red +
                                            first + sizes[0] + "/Im0 Do\nQ\n/GS1 gs\n" + red + second + sizes[1] +

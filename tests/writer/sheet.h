@@ -78,7 +78,6 @@ class Sheet {
   // Starts the document and ends section 2, as a host does that draws in section 4.
   Sheet &Start() {
     EXPECT_EQ(writer_->Start(info_), FilterOk);
-    writer_->BeginSection(2);
     writer_->EndSection(2);
     return *this;
   }
@@ -88,35 +87,42 @@ class Sheet {
     layer.color = color;
     layer.width = width;
     layer.layerOff = off;
-    EXPECT_EQ(writer_->Define(RecordOf(ElemLayerDef, &layer)), FilterConsumed);
+    return Define(RecordOf(ElemLayerDef, &layer));
+  }
+  Sheet &Define(ElementRecord record) {
+    EXPECT_EQ(writer_->WriteElement(record, Sections(KAPDF_SECTION_TABLES)), FilterConsumed);
     return *this;
   }
   template <class Payload>
   uint32_t Draw(uint32_t kind, Payload payload, std::u16string_view layer = u"A", uint32_t color = 256) {
     ElementRecord record = RecordOf(kind, &payload, layer, color);
-    return writer_->WriteElement(record);
+    return Write(record);
   }
+  uint32_t EndPage() {
+    ElementRecord record = RecordOf(ElemEndOfPage, nullptr);
+    return Write(record);
+  }
+  // In a drawing section that knows no placements.
+  uint32_t Write(ElementRecord &record) { return writer_->WriteElement(record, Sections(KAPDF_SECTION_OVERLAY)); }
   uint32_t DrawLine(double x1, double y1, double x2, double y2, double width = 0.25, std::u16string_view layer = u"A",
                     uint32_t color = 256) {
     return Draw(ElemLine, LinePayload{width, x1, y1, x2, y2}, layer, color);
   }
   uint32_t Raster(uint32_t width, uint32_t height, uint32_t pixelType, uint8_t *palette = nullptr, uint32_t dpi = 254) {
     RasterHeaderPayload header{width, height, 0, 0, dpi, 0, pixelType, palette};
-    return writer_->OpenRaster(RecordOf(ElemRasterHeader, &header));
+    ElementRecord record = RecordOf(ElemRasterHeader, &header);
+    return Write(record);
   }
   uint32_t Row(std::string bytes) {
     ElementRecord record = RecordOf(ElemRasterRows, bytes.data());
     record.payloadBytes = static_cast<uint32_t>(bytes.size());
-    return writer_->WriteRow(record);
+    return Write(record);
   }
   // 0.1 mm a pixel, unless the raster has another resolution.
   uint32_t Place(int32_t section, uint64_t key, RasterPlacementPayload place, uint32_t color = 256) {
     ElementRecord record = RecordOf(ElemRasterPlacement, &place, u"A", color);
     record.imageKey = key;
-    writer_->BeginSection(section);
-    const uint32_t result = writer_->WriteElement(record);
-    writer_->EndSection(section);
-    return result;
+    return writer_->WriteElement(record, Sections(section));
   }
   std::string Finish() {
     writer_->Finish();

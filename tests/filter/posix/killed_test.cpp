@@ -17,7 +17,7 @@ namespace {
 
 [[noreturn]] void AddPages(const std::u16string &path) {
   for (;;) {
-    auto *filter = new CPDFFilter(u"Software\\kaPDF-tests\\killed", true);
+    auto *filter = new CPDFFilter(u"Software\\kaPDF-tests\\killed");
     FileInfo info{};
     info.xmax = info.ymax = 100;
     info.pageIndex = -2;

@@ -1,15 +1,15 @@
-// What the outside renderer does for a reading filter: previews, a page as a picture that a filter of the host reads,
-// and the text that belongs to it.
+#include "filter/rendered_page.h"
+
 #include <algorithm>
 #include <numbers>
 #include <utility>
 
 #include "base/bytes.h"
 #include "content/record_sink.h"
-#include "filter/filter.h"
+#include "pdfmodel/pdf_file.h"
+#include "platform/file.h"
 #include "platform/narrow_path.h"
 #include "platform/text.h"
-#include "renderer/preview.h"
 #include "renderer/render_page.h"
 #include "renderer/renderer.h"
 
@@ -32,8 +32,8 @@ uint32_t DepthMark(int32_t colorDepth) {
 
 }  // namespace
 
-bool CPDFFilter::CountRenderedPages(const char16_t *path, FileInfo &info, uint32_t &result) const {
-  const std::string narrow = platform::ToNarrowPath(path ? path : u"");
+bool CountRenderedPages(std::u16string_view path, FileInfo &info, uint32_t &result) {
+  const std::string narrow = platform::ToNarrowPath(path);
   if (!Renderer().VgPdfNoPages || narrow.find('?') != std::string::npos) return false;
   info.pageCount = Renderer().VgPdfNoPages(narrow.c_str());
   result = info.pageCount > 0 ? FilterOk : FilterNotPdf;
@@ -41,44 +41,39 @@ bool CPDFFilter::CountRenderedPages(const char16_t *path, FileInfo &info, uint32
   return true;
 }
 
-void *CPDFFilter::GetPreview(const char16_t *path, ProgressObject *progress) {
-  if (RendererIsBusy()) return nullptr;
-  try {
-    if (CanPreview()) {
-      previewBitmap_.reset();
-      previewBitmap_ = MakePreview(platform::ToNarrowPath(path ? path : u""), progress);
-    }
-  } catch (...) {
-    return nullptr;
-  }
-  return previewBitmap_.get();
-}
-
-uint32_t CPDFFilter::OpenRenderedPage(FileInfo &info, ProgressObject *progress, const char16_t *options,
-                                      FilterContext *context, FilterCreateFunction create) {
+uint32_t RenderedPage::Open(std::u16string_view source, FileInfo &info, const ImportOptions &options,
+                            const PictureHost &host) {
   if (info.pageIndex < 0 || info.pageIndex == INT32_MAX) return FilterNotPdf;
   if (!StopRenderer()) return FilterDamaged;
-  renderedDepth_ = importOptions_.colorDepth;
-  const PageToRender page{platform::ToNarrowPath(sourcePath_), info.pageIndex + 1, importOptions_.dpi, dither_,
-                          importOptions_.extractText != 0};
+  sourcePath_ = source;
+  colorDepth_ = options.colorDepth;
+  const PageToRender page{platform::ToNarrowPath(sourcePath_), info.pageIndex + 1, options.dpi, options.dither,
+                          options.extractText != 0};
   {
-    const RendererConversion conversion(progress);
-    if (!RenderPage(page, tempPath_, hiddenText_)) return FilterNotPdf;
+    const RendererConversion conversion(host.progress);
+    if (!RenderPage(page, picturePath_, hiddenText_)) return FilterNotPdf;
   }
-  const std::u16string picture = platform::FromNarrowPath(tempPath_);
-  if (create) subFilter_ = create(0, picture.c_str(), GivenRegistryPath(), &subFilterDestroy_);
+  const std::u16string picture = platform::FromNarrowPath(picturePath_);
+  if (host.create) subFilter_ = host.create(0, picture.c_str(), host.registryPath, &subFilterDestroy_);
   if (!subFilter_) return FilterNotPdf;
   // The host's structure may be longer than the part of it that is known here.
   alignas(8) uint8_t fresh[4096] = {};
   const uint32_t result = subFilter_->table->OpenRead(subFilter_, picture.c_str(), reinterpret_cast<FileInfo *>(fresh),
-                                                      progress, options, context, create);
+                                                      host.progress, host.options, host.context, host.create);
   if (Renderer().VgPdfNoPages) info.pageCount = std::max(0, Renderer().VgPdfNoPages(page.path.c_str()));
   SetFormatName(info);
   return result;
 }
 
+bool RenderedPage::Read(ElementRecord &record, uint32_t &result) {
+  if (subFilter_ && ReadPicture(record, result)) return true;
+  if (hiddenText_.hiddenTextRuns.empty()) return false;
+  result = ReadHiddenText(record);
+  return true;
+}
+
 // Answers whether the call is done with; if not, the sub-filter has ended and text is to follow.
-bool CPDFFilter::ReadRenderedPage(ElementRecord &record, uint32_t &result) {
+bool RenderedPage::ReadPicture(ElementRecord &record, uint32_t &result) {
   const uint32_t request = record.kind;
   result = subFilter_->table->ReadElement(subFilter_, &record);
   if (result == FilterEndOfElements && !hiddenText_.hiddenTextRuns.empty()) {
@@ -89,14 +84,14 @@ bool CPDFFilter::ReadRenderedPage(ElementRecord &record, uint32_t &result) {
   CopyName(record.styleName, sourcePath_);
   if (record.payload) {
     auto header = LoadAs<RasterHeaderPayload>(record.payload);
-    if (renderedDepth_ == 4) header.depthHint = 0;
-    header.pixelType |= DepthMark(renderedDepth_);
+    if (colorDepth_ == 4) header.depthHint = 0;
+    header.pixelType |= DepthMark(colorDepth_);
     StoreAs(record.payload, header);
   }
   return true;
 }
 
-uint32_t CPDFFilter::ReadHiddenText(ElementRecord &record) {
+uint32_t RenderedPage::ReadHiddenText(ElementRecord &record) {
   if (hiddenTextIndex_ >= hiddenText_.hiddenTextRuns.size()) {
     hiddenText_ = {};
     hiddenTextIndex_ = 0;
@@ -129,7 +124,7 @@ uint32_t CPDFFilter::ReadHiddenText(ElementRecord &record) {
   return FilterOk;
 }
 
-void CPDFFilter::DropSubFilter() {
+void RenderedPage::DropSubFilter() {
   FilterObject *const ended = std::exchange(subFilter_, nullptr);
   if (!ended) return;
   ended->table->Close(ended);
@@ -137,11 +132,11 @@ void CPDFFilter::DropSubFilter() {
 }
 
 // The picture goes when nobody reads it any more.
-void CPDFFilter::DropRenderedPage() {
+void RenderedPage::Drop() {
   DropSubFilter();
   subFilterDestroy_ = nullptr;
-  if (!tempPath_.empty()) platform::RemoveFile(platform::FromNarrowPath(tempPath_));
-  tempPath_.clear();
+  if (!picturePath_.empty()) platform::RemoveFile(platform::FromNarrowPath(picturePath_));
+  picturePath_.clear();
   hiddenText_ = {};
   hiddenTextIndex_ = 0;
 }

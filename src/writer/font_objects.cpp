@@ -1,8 +1,11 @@
-// The objects of the fonts that text was written with: each a composite font whose codes are the font's own glyphs.
-#include <utility>
+#include "writer/font_objects.h"
 
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "io/codec_flate.h"
 #include "writer/to_unicode.h"
-#include "writer/write_file.h"
 
 namespace kapdf {
 namespace {
@@ -27,11 +30,11 @@ int32_t FlagsOf(const platform::FontMetrics &metrics) {
 
 }  // namespace
 
-void CPDFWriteFile::WriteFontResources() {
+void FontObjects::WriteResources() {
   const char *head = "/Font <<\r";
   for (FontOut &font : fonts_.all()) {
     if (!font.used()) continue;
-    font.objectNumber = ReserveHere();
+    font.objectNumber = objects_.ReserveHere();
     out_.Text(std::exchange(head, "")).Name(font.name()).Byte(' ').Reference(font.objectNumber).Text("\r");
   }
   if (*head == '\0') out_.Text(">>\r");
@@ -39,20 +42,20 @@ void CPDFWriteFile::WriteFontResources() {
 
 // The program is made first, since a subset changes the font's name. Names go out as they are: one with blanks in it is
 // cut by readers at the first.
-void CPDFWriteFile::WriteFonts() {
+void FontObjects::Write(bool embed) {
   for (FontOut &font : fonts_.all()) {
     if (!font.used()) continue;
-    BeginReserved(font.objectNumber);
+    objects_.BeginReserved(font.objectNumber);
     FontOut::Program program;
-    if (options_.embedFonts != 0 || font.IsTemporary()) program = font.MakeProgram();
+    if (embed || font.IsTemporary()) program = font.MakeProgram();
     out_.Text("<<\r/Type /Font\r/Subtype /Type0\r/Encoding /Identity-H\r/BaseFont ").Name(font.baseFontName());
-    out_.Text("/ToUnicode ").Reference(Reserve()).Text("\r/DescendantFonts [ ").Reference(NextNumber());
+    out_.Text("/ToUnicode ").Reference(objects_.Reserve()).Text("\r/DescendantFonts [ ").Reference(objects_.Next());
     out_.Text(" ]\r>>\rendobj\r");
     WriteToUnicode(font);
     WriteDescendant(font, program);
     const int32_t file = WriteDescriptor(font, program);
     if (file == 0) continue;
-    AppendHere();
+    objects_.PlaceHere();
     out_.BeginObject(file).Text("<<\r/Filter /FlateDecode /Length ");
     out_.Integer(static_cast<int64_t>(program.deflated.size()));
     if (program.outlines == Outlines::kCompact)
@@ -65,16 +68,19 @@ void CPDFWriteFile::WriteFonts() {
 }
 
 // Its number was the last one given out.
-void CPDFWriteFile::WriteToUnicode(const FontOut &font) {
+void FontObjects::WriteToUnicode(const FontOut &font) {
   const std::vector<uint8_t> map = Deflated(BytesOf(ToUnicodeMap(font)));
-  AppendHere();
-  out_.BeginObject(NextNumber() - 1).Text("<</Filter /FlateDecode\r/Length ");
+  objects_.PlaceHere();
+  out_.BeginObject(objects_.Next() - 1).Text("<</Filter /FlateDecode\r/Length ");
   out_.Integer(static_cast<int64_t>(map.size())).Text(">>\rstream\r\n").Bytes(map).Text("\r\nendstream\rendobj\n");
 }
 
-void CPDFWriteFile::WriteDescendant(const FontOut &font, const FontOut::Program &program) {
+void FontObjects::WriteDescendant(const FontOut &font, const FontOut::Program &program) {
   const bool compact = program.outlines == Outlines::kCompact;
-  out_.BeginObject(ReserveHere()).Text("<</Type /Font\r/Subtype /CIDFontType").Text(compact ? "0" : "2").Text("\r/DW ");
+  out_.BeginObject(objects_.ReserveHere())
+      .Text("<</Type /Font\r/Subtype /CIDFontType")
+      .Text(compact ? "0" : "2")
+      .Text("\r/DW ");
   out_.Integer(font.metrics().averageWidth).Text("\r/W [");
   const std::vector<int32_t> widths = font.Widths();
   auto width = widths.begin();
@@ -85,14 +91,14 @@ void CPDFWriteFile::WriteDescendant(const FontOut &font, const FontOut::Program 
   out_.Text(compact ? "]\r" : "]\r/CIDToGIDMap (Identity)\r");
   out_.Text("/CIDSystemInfo << /Registry (Adobe)/Ordering (Identity)/Supplement 0 >>");
   out_.Text("/BaseFont ").Name(font.baseFontName()).Text("\r/FontDescriptor ");
-  out_.Reference(Reserve()).Text("\r>>\rendobj\r");
+  out_.Reference(objects_.Reserve()).Text("\r>>\rendobj\r");
 }
 
 // Returns the number of the font's file, 0 for none.
-int32_t CPDFWriteFile::WriteDescriptor(const FontOut &font, const FontOut::Program &program) {
+int32_t FontObjects::WriteDescriptor(const FontOut &font, const FontOut::Program &program) {
   const platform::FontMetrics &metrics = font.metrics();
-  AppendHere();
-  out_.BeginObject(NextNumber() - 1).Text("<<\r/Type /FontDescriptor\r/FontName ").Name(font.baseFontName());
+  objects_.PlaceHere();
+  out_.BeginObject(objects_.Next() - 1).Text("<<\r/Type /FontDescriptor\r/FontName ").Name(font.baseFontName());
   out_.Text("\r/Flags ").Integer(FlagsOf(metrics)).Text("\r/FontBBox [").Integer(metrics.left).Byte(' ');
   out_.Integer(metrics.bottom).Byte(' ').Integer(metrics.right).Byte(' ').Integer(metrics.top);
   // The angle is in tenths of a degree, and the capitals are as high as the ascenders: nobody looks there.
@@ -105,7 +111,7 @@ int32_t CPDFWriteFile::WriteDescriptor(const FontOut &font, const FontOut::Progr
     out_.Text(">>\rendobj\n");
     return 0;
   }
-  const int32_t file = Reserve();
+  const int32_t file = objects_.Reserve();
   out_.Text(program.outlines == Outlines::kCompact ? "/FontFile3 " : "/FontFile2 ")
       .Reference(file)
       .Text("\r>>\rendobj\r");

@@ -1,0 +1,40 @@
+// The document that is read, its page, and the raster that the host asks for.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "content/interpreter.h"
+#include "filter/filter_settings.h"
+#include "pdfmodel/pdf_file.h"
+
+namespace kapdf {
+
+// Results are those of the contract's operations.
+class DocumentReader {
+ public:
+  // `stream` is borrowed and must stay open as long as this object lives.
+  DocumentReader(std::FILE *stream, std::u16string_view registryPath)
+      : registryPath_(registryPath), document_(stream, registryPath) {}
+
+  uint32_t Open(FileInfo &info) { return document_.Open(info); }
+  // The page `index` of the open document; messages go to the window, null for none.
+  uint32_t OpenPage(int32_t index, const FilterSettings &settings, void *window);
+  uint32_t Read(ElementRecord &record);
+
+ private:
+  uint32_t ReadRasterHeader(ElementRecord &record);
+  uint32_t ReadRasterRow(ElementRecord &record);
+
+  std::u16string registryPath_;
+  // In this order, since each stands on the one before.
+  CPDFFile document_;
+  std::unique_ptr<Interpreter> interpreter_;
+  std::unique_ptr<RasterHeaderPayload> rasterHeader_;  // of the raster in hand, as the host got it
+  PaletteHandle rasterPalette_;
+  bool rasterAnnounced_ = false;  // a raster's place has gone out
+};
+
+}  // namespace kapdf
