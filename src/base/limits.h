@@ -10,7 +10,7 @@ inline constexpr int kObjectNesting = 256;                       // arrays and d
 inline constexpr int64_t kObjectItems = 2'000'000;               // in one object; a further one does not parse
 inline constexpr size_t kXRefEntries = size_t{1} << 23;          // of all sections together; further ones are dropped
 inline constexpr size_t kObjectStreamMembers = size_t{1} << 20;  // of one object stream; further ones are not found
-// Bytes that are parsed, decoded as object streams or copied out of them, in one document: so many, and so many more
+// Bytes that are parsed, decoded as object streams or found in them, in one document: so many, and so many more
 // for each byte of the file. Beyond them no object is found. Objects may overlap, so that the size of a file alone does
 // not bound the work that it asks for.
 inline constexpr int64_t kObjectWork = int64_t{128} << 20;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -36,6 +37,10 @@ class CZVBaseIO {
   // The next byte. At the end 255, and `AtEnd` is true from then on until the next `Seek`.
   uint8_t GetByte() { return cursor_ != windowEnd_ ? *cursor_++ : Refill(); }
   bool AtEnd() const { return atEnd_; }
+  // What `GetByte` gives next, as far as it is in memory; may be nothing ahead of the end, too.
+  std::span<const uint8_t> Ahead() const { return {cursor_, windowEnd_}; }
+  // Takes bytes of those.
+  void Skip(size_t count) { cursor_ += count; }
 
   // For searches through damaged data: counts one byte that was passed over, false once there were too many of them, so
   // that many broken objects cannot make one file be searched again and again.

@@ -1,6 +1,7 @@
 // The document as a byte source: the file, or for a while the text of one object that came out of an object stream.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "io/memory_file_read.h"
@@ -28,8 +29,9 @@ class CPDFBlockSource : public CZVMemoryFileRead {
   // False when the block that was marked has been replaced since.
   bool Restore(const Mark &mark);
 
-  // Replaces the block and reads from its start.
-  void ActivateBlock(std::string bytes);
+  // Replaces the block and reads from its start. The block is a head and, if there are any, the bytes of somebody else,
+  // which it keeps alive.
+  void ActivateBlock(std::string head, std::shared_ptr<const uint8_t> body = {}, size_t bodyBytes = 0);
   // Goes back to the last block, or to an empty one when there never was any.
   void ReactivateBlock();
   // Goes back to the file. The position there is not defined until the next `Seek`.
@@ -45,12 +47,17 @@ class CPDFBlockSource : public CZVMemoryFileRead {
 
  private:
   bool SeekInBlock(int64_t offset, SeekOrigin origin);
+  // Makes the part of the block around a position up to its end the window.
+  void SetBlockWindow(size_t position);
+  size_t ReadBlock(uint8_t *out, size_t count);
   // Charges what GetByte took since the last time. Stands before, and `Recount` behind, all that moves the window.
   bool ChargeTaken() { return Charge(cursor_ - counted_); }
   void Recount() { counted_ = cursor_; }
-  const uint8_t *BlockStart() const { return reinterpret_cast<const uint8_t *>(block_.data()); }
 
-  std::string block_;
+  std::string head_;
+  std::shared_ptr<const uint8_t> body_;
+  size_t bodyBytes_ = 0;
+  int64_t windowEndsAt_ = 0;  // in the block, while it is active
   bool blockActive_ = false;
   uint32_t blockSerial_ = 0;
   const uint8_t *counted_ = nullptr;

@@ -35,18 +35,8 @@ std::unique_ptr<CPDFObject> MakeObject(CZVBaseIO &source, uint8_t first, int dep
     case 'f':
       return std::make_unique<CPDFBool>(source);
     default:
-      break;
+      return nullptr;
   }
-  if (IsDigit(first) || first == '-' || first == '+' || first == '.')
-    return std::make_unique<CPDFIndirectObject>(source);
-  return nullptr;
-}
-
-// What an object that failed may be after all: a reference is just a number, a dictionary a hexadecimal string.
-std::unique_ptr<CPDFObject> MakeSecondTry(CZVBaseIO &source, const CPDFObject &failed) {
-  if (dynamic_cast<const CPDFIndirectObject *>(&failed)) return std::make_unique<CPDFNumeric>(source);
-  if (dynamic_cast<const CPDFDictionary *>(&failed)) return std::make_unique<CPDFString>(source);
-  return nullptr;
 }
 
 }  // namespace
@@ -59,13 +49,15 @@ std::unique_ptr<CPDFObject> ParseAny(CZVBaseIO &source, uint8_t &byte, int depth
   }
   if (byte == '%') byte = SkipComment(source);
   const uint8_t first = byte;
-  const int64_t position = source.Tell();
+  if (IsNumberByte(first)) return ParseNumber(source, byte);
   std::unique_ptr<CPDFObject> object = MakeObject(source, first, depth + 1);
   if (!object) return nullptr;
+  const int64_t position = first == '<' ? source.Tell() : 0;
   if (object->Parse(first) != 0) {
     byte = object->lastChar;
-    object = MakeSecondTry(source, *object);
-    if (!object || !source.Seek(position, SeekOrigin::kStart) || object->Parse(first) != 0) return nullptr;
+    if (first != '<' || !source.Seek(position, SeekOrigin::kStart)) return nullptr;
+    object = std::make_unique<CPDFString>(source);  // what is no dictionary may be a hexadecimal string
+    if (object->Parse(first) != 0) return nullptr;
   }
   byte = object->lastChar;
   return object;

@@ -3,7 +3,10 @@
 namespace kapdf {
 
 bool OpenObject(ObjectLocator &objects, int32_t objectNumber, uint8_t &firstChar, int32_t *foundNumber) {
-  const uint32_t position = objects.Resolve(objectNumber);
+  return OpenAt(objects, objects.Resolve(objectNumber), firstChar, foundNumber);
+}
+
+bool OpenAt(ObjectLocator &objects, uint32_t position, uint8_t &firstChar, int32_t *foundNumber) {
   if (position == 0 || !objects.source().Seek(position, SeekOrigin::kStart)) return false;
   CPDFObjectIntro intro(objects.source());
   if (intro.Parse(255) != 0) return false;

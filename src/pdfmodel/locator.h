@@ -29,6 +29,8 @@ class ObjectLocator {
 // Seeks to an object and reads its "n g obj". On success `firstChar` is the byte that the object's Parse takes.
 // `foundNumber` takes the number that stands there, which is not compared.
 bool OpenObject(ObjectLocator &objects, int32_t objectNumber, uint8_t &firstChar, int32_t *foundNumber = nullptr);
+// The same for an object whose position was just resolved.
+bool OpenAt(ObjectLocator &objects, uint32_t position, uint8_t &firstChar, int32_t *foundNumber = nullptr);
 
 // A dictionary of its own behind a reference, or null. The source's position afterwards is behind it.
 std::unique_ptr<CPDFDictionary> FetchDictionary(ObjectLocator &objects, const CPDFIndirectObject &reference);

@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/ascii.h"
 #include "io/base_io.h"
 
 namespace kapdf {
@@ -83,10 +84,10 @@ class CPDFNameObject final : public CPDFObject {
   std::string name;
 };
 
+// "n g R". Only what stands behind the first number tells it from a number, so ParseAny reads both.
 class CPDFIndirectObject final : public CPDFObject {
  public:
   using CPDFObject::CPDFObject;
-  int Parse(uint8_t firstChar) override;
   // A reference that outlives the object it was read from.
   std::unique_ptr<CPDFIndirectObject> Copy() const;
 
@@ -153,5 +154,9 @@ class CPDFDictionary final : public CPDFObject {
 
 // Any object at the source, or null. `byte` is the byte in hand, as for Parse; afterwards the first one not consumed.
 std::unique_ptr<CPDFObject> ParseAny(CZVBaseIO &source, uint8_t &byte, int depth);
+
+constexpr bool IsNumberByte(uint8_t c) { return IsDigit(c) || c == '-' || c == '+' || c == '.'; }
+// The same for a byte of a number: a reference where one stands, else the number.
+std::unique_ptr<CPDFObject> ParseNumber(CZVBaseIO &source, uint8_t &byte);
 
 }  // namespace kapdf

@@ -103,9 +103,10 @@ uint32_t CPDFFile::ReadTrailer(int64_t &previous) {
 uint32_t CPDFFile::ReadRoot() {
   const uint32_t position = xref_->Resolve(root_->objectNumber);
   if (position > INT32_MAX) return FilterNotPdf;
-  if (auto catalog = FetchDictionary(*xref_, *root_)) {
-    if (const auto *pages = catalog->GetAs<CPDFIndirectObject>("Pages")) pagesRoot_ = pages->Copy();
-  }
+  uint8_t firstChar;
+  CPDFDictionary catalog(*this);
+  if (!OpenAt(*xref_, position, firstChar) || catalog.Parse(firstChar) != 0) return FilterNotPdf;
+  if (const auto *pages = catalog.GetAs<CPDFIndirectObject>("Pages")) pagesRoot_ = pages->Copy();
   if (!pagesRoot_ || xref_->Resolve(pagesRoot_->objectNumber) == 0) return FilterNotPdf;
   return 0;
 }

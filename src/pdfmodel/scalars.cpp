@@ -1,7 +1,6 @@
-// Objects that hold no others.
+// Objects that hold no others, numbers and references apart.
 #include "base/ascii.h"
 #include "base/limits.h"
-#include "base/scan.h"
 #include "pdfmodel/objects.h"
 
 namespace kapdf {
@@ -40,22 +39,6 @@ int CPDFNull::Parse(uint8_t firstChar) {
   return 0;
 }
 
-int CPDFNumeric::Parse(uint8_t firstChar) {
-  char text[limits::kTokenText + 1];
-  size_t length = 0;
-  uint8_t c = FirstByte(firstChar);
-  for (; IsDigit(c) || c == '-' || c == '+' || c == '.'; c = source_->GetByte()) {
-    if (length < limits::kTokenText) text[length] = static_cast<char>(c);
-    ++length;
-  }
-  lastChar = c;
-  if (length == 0 || length > limits::kTokenText) return 1;
-  text[length] = 0;
-  realValue = RealFrom(text);
-  intValue = IntegerFrom(text);
-  return 0;
-}
-
 int CPDFNameObject::Parse(uint8_t firstChar) {
   name.clear();
   if (FirstByte(firstChar) != '/') return -1;
@@ -71,43 +54,6 @@ int CPDFNameObject::Parse(uint8_t firstChar) {
   lastChar = c;
   if (IsSpace(c)) SkipSpace();
   return tooLong ? -1 : 0;
-}
-
-namespace {
-
-// Two numbers and then the letter, white space between them at will. `last` is the byte behind the letter's place.
-bool ParseTwoNumbers(CZVBaseIO &source, uint8_t first, int32_t &one, int32_t &two, uint8_t &last) {
-  CPDFNumeric number(source);
-  const bool gotOne = number.Parse(first) == 0;
-  one = number.intValue;
-  const bool gotTwo = gotOne && number.Parse(number.lastChar) == 0;
-  two = number.intValue;
-  last = number.lastChar;
-  while (gotTwo && IsSpace(last)) last = source.GetByte();
-  return gotTwo;
-}
-
-}  // namespace
-
-int CPDFIndirectObject::Parse(uint8_t firstChar) {
-  if (!ParseTwoNumbers(*source_, firstChar, objectNumber, generation, lastChar) || lastChar != 'R') return -1;
-  SkipSpace();
-  return 0;
-}
-
-std::unique_ptr<CPDFIndirectObject> CPDFIndirectObject::Copy() const {
-  auto copy = std::make_unique<CPDFIndirectObject>(*source_);
-  copy->objectNumber = objectNumber;
-  copy->generation = generation;
-  return copy;
-}
-
-int CPDFObjectIntro::Parse(uint8_t firstChar) {
-  if (!ParseTwoNumbers(*source_, firstChar, objectNumber, generation, lastChar) || lastChar != 'o') return -1;
-  source_->GetByte();  // "b" and "j", unseen; the byte behind them is the object's first
-  source_->GetByte();
-  lastChar = source_->GetByte();
-  return 0;
 }
 
 int CPDFString::Parse(uint8_t firstChar) {

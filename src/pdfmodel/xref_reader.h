@@ -47,12 +47,13 @@ class XRefReader final : public ObjectLocator {
       uint64_t offset;
     };
     int32_t object;
-    ByteBuffer bytes;
+    std::shared_ptr<const ByteBuffer> bytes;  // two bytes of fill behind the decoded ones
+    size_t size = 0;                          // of the decoded ones
     uint64_t first = 0;
     uint64_t announced = 0;  // N
     std::vector<Member> members;
 
-    size_t MemoryUse() const { return bytes.size() + members.size() * sizeof(Member); }
+    size_t MemoryUse() const { return size + members.size() * sizeof(Member); }
   };
 
   bool ReadClassicSubsection();
@@ -65,7 +66,7 @@ class XRefReader final : public ObjectLocator {
   const ObjectStream *LoadObjectStream(int32_t container);
   bool ReadObjectStream(const PDFXRefEntry &entry, ObjectStream &loaded);
   static void ReadMembers(ObjectStream &stream);
-  bool CopyToBlock(const ObjectStream &stream, uint32_t index);
+  bool ShowMember(const ObjectStream &stream, uint32_t index);
 
   // Of `wanted` further entries, how many the table may still take.
   size_t RoomFor(size_t wanted);

@@ -14,6 +14,7 @@ namespace {
 
 constexpr uint32_t kBlockPosition = 1;   // the byte of the block behind its first one
 constexpr char kBlockFill = 0x14;        // above the white space, below everything that starts an object
+constexpr size_t kBytesBehind = 2;       // that can be read behind a member's text
 constexpr size_t kMemberTokenText = 31;  // characters of a number in an object stream's header
 
 // Sets a flag as long as it lives.
@@ -51,7 +52,7 @@ uint32_t XRefReader::ResolveCompressed(int32_t container, uint32_t index) {
   if (!stream) return 0;
   if (index >= stream->members.size())
     source().ReactivateBlock();  // what was there before is read again
-  else if (!CopyToBlock(*stream, index))
+  else if (!ShowMember(*stream, index))
     return 0;
   return kBlockPosition;
 }
@@ -93,13 +94,18 @@ bool XRefReader::ReadObjectStream(const PDFXRefEntry &entry, ObjectStream &loade
   if (stream.Parse(intro.lastChar) != 0) return false;
   const CPDFDictionary &dictionary = *stream.dictionary();
   const auto *type = dictionary.GetAs<CPDFNameObject>("Type");
-  if (!type || type->name != "ObjStm" || !stream.ReadAll(loaded.bytes)) return false;
-  if (!source().Charge(static_cast<int64_t>(loaded.bytes.size()))) return false;
+  auto bytes = std::make_shared<ByteBuffer>();
+  if (!type || type->name != "ObjStm" || !stream.ReadAll(*bytes)) return false;
+  if (!source().Charge(static_cast<int64_t>(bytes->size()))) return false;
   if (stream.predictor() != 0) {
-    loaded.bytes.Resize(UndoRows({loaded.bytes.data(), loaded.bytes.size()}, stream.predictor(), stream.columns()));
+    bytes->Resize(UndoRows({bytes->data(), bytes->size()}, stream.predictor(), stream.columns()));
   }
-  loaded.bytes.ShrinkToFit();
-  if (diagnostics_) DumpObjectStream(entry.offset, loaded.bytes.span());
+  if (diagnostics_) DumpObjectStream(entry.offset, bytes->span());
+  loaded.size = bytes->size();
+  bytes->Resize(loaded.size + kBytesBehind);
+  std::memset(bytes->data() + loaded.size, kBlockFill, kBytesBehind);
+  bytes->ShrinkToFit();
+  loaded.bytes = std::move(bytes);
   const auto *count = dictionary.GetAs<CPDFNumeric>("N");
   const auto *first = dictionary.GetAs<CPDFNumeric>("First");
   loaded.announced = count ? static_cast<uint64_t>(std::max(count->intValue, 0)) : 0;
@@ -109,8 +115,8 @@ bool XRefReader::ReadObjectStream(const PDFXRefEntry &entry, ObjectStream &loade
 }
 
 void XRefReader::ReadMembers(ObjectStream &stream) {
-  const auto *text = reinterpret_cast<const char *>(stream.bytes.data());
-  const size_t size = std::min<uint64_t>(stream.first, stream.bytes.size());
+  const auto *text = reinterpret_cast<const char *>(stream.bytes->data());
+  const size_t size = std::min<uint64_t>(stream.first, stream.size);
   size_t at = 0;
   const auto token = [&]() -> std::string_view {
     while (at < size && IsSpace(static_cast<uint8_t>(text[at]))) ++at;
@@ -127,11 +133,11 @@ void XRefReader::ReadMembers(ObjectStream &stream) {
   }
 }
 
-// The block is one fill byte, "n 0 obj ", the object's text with two bytes more than its length, and fill to the end.
-// The number is the header's own. False when the document has asked for too much.
-bool XRefReader::CopyToBlock(const ObjectStream &stream, uint32_t index) {
+// The block is one fill byte, "n 0 obj ", and the object's text where it was decoded, with two bytes more than its
+// length. The number is the header's own. False when the document has asked for too much.
+bool XRefReader::ShowMember(const ObjectStream &stream, uint32_t index) {
   const ObjectStream::Member &member = stream.members[index];
-  const uint64_t size = stream.bytes.size();
+  const uint64_t size = stream.size;
   const uint64_t start = std::min(member.offset + stream.first, size);
   uint64_t length = size - start;
   if (index + 1 < stream.announced && index + 1 < stream.members.size()) {
@@ -139,14 +145,8 @@ bool XRefReader::CopyToBlock(const ObjectStream &stream, uint32_t index) {
     if (next > member.offset && next <= size) length = std::min(length, next - member.offset - 1);
   }
   if (!source().Charge(static_cast<int64_t>(length))) return false;
-  std::string block(static_cast<size_t>(length) + member.number.size() + 10, kBlockFill);
-  size_t at = kBlockPosition;
-  at += member.number.copy(block.data() + at, member.number.size());
-  static constexpr std::string_view kIntro = " 0 obj ";
-  at += kIntro.copy(block.data() + at, kIntro.size());
-  const auto copied = static_cast<size_t>(std::min(length + 2, size - start));
-  std::memcpy(block.data() + at, stream.bytes.data() + start, copied);
-  source().ActivateBlock(std::move(block));
+  std::shared_ptr<const uint8_t> text(stream.bytes, stream.bytes->data() + start);
+  source().ActivateBlock(kBlockFill + member.number + " 0 obj ", std::move(text), length + kBytesBehind);
   return true;
 }
 
