@@ -4,7 +4,8 @@
 namespace kapdf {
 
 inline constexpr double kMillimetresPerInch = 25.4;
-inline constexpr double kMillimetresPerPoint = 25.4 / 72.0;
-inline constexpr double kPointsPerMillimetre = 72.0 / 25.4;
+inline constexpr double kPointsPerInch = 72;
+inline constexpr double kMillimetresPerPoint = kMillimetresPerInch / kPointsPerInch;
+inline constexpr double kPointsPerMillimetre = kPointsPerInch / kMillimetresPerInch;
 
 }  // namespace kapdf

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "base/units.h"
 #include "pdfmodel/georeference.h"
 #include "platform/message.h"
 #include "platform/settings.h"
@@ -26,7 +27,7 @@ double Exact(double value) {
 // From a matrix in millimetres for one point, as a drawing gives it.
 Affine BaseMatrix(const std::array<double, 6> &m) {
   const auto points = [](double value) {
-    value = value * 72 / 25.4;
+    value = value * kPointsPerInch / kMillimetresPerInch;
     return std::isfinite(value) ? value : 0;
   };
   return {points(m[0]), points(m[1]), points(m[2]), points(m[3]), points(m[4]), points(m[5])};

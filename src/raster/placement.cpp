@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/units.h"
+
 namespace kapdf {
 namespace {
 
-constexpr double kMillimetresPerPoint = 25.4 / 72.0;
 constexpr double kFlat = 1e-12;
 constexpr double kMostDpi = 2147483647.0;
 
@@ -24,8 +25,8 @@ Placement Place(const Affine &m, uint32_t width, uint32_t height, double &dpiX, 
     scaleX = m.b / sine;
     scaleY = -m.c / sine;
   }
-  dpiX = scaleX == 0 ? 0 : Finite(width * 72.0 / scaleX, 0);
-  dpiY = scaleY == 0 ? 0 : Finite(height * 72.0 / scaleY, 0);
+  dpiX = scaleX == 0 ? 0 : Finite(width * kPointsPerInch / scaleX, 0);
+  dpiY = scaleY == 0 ? 0 : Finite(height * kPointsPerInch / scaleY, 0);
   if (dpiX == 0) dpiX = dpiY;
   if (dpiY == 0) dpiY = dpiX;
   return placed;

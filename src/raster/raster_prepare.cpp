@@ -4,13 +4,13 @@
 #include <numbers>
 
 #include "base/limits.h"
+#include "base/units.h"
 #include "io/codec_dct.h"
 #include "raster/raster_object.h"
 
 namespace kapdf {
 namespace {
 
-constexpr double kMillimetresPerInch = 25.4;
 constexpr uint32_t kSolidWidth = 500, kSolidHeight = 25;  // pixels; larger ones are never tested
 
 bool InBounds(uint32_t side) { return side >= 1 && side <= limits::kImageSide; }

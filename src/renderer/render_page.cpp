@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/units.h"
 #include "platform/narrow_path.h"
 #include "renderer/renderer.h"
 
@@ -20,7 +21,8 @@ int32_t LimitedResolution(const PageToRender &page) {
   if (!renderer.VgPdfGetPageSize || renderer.VgPdfGetPageSize(page.path.c_str(), page.page, &width, &height) != 0)
     return dpi;
   if (!(width > 0 && height > 0)) return dpi;  // nor with something that is no number
-  const double across = std::trunc(width / 72 * dpi * 3), up = std::trunc(height / 72 * dpi * 3);
+  const double across = std::trunc(width / kPointsPerInch * dpi * 3),
+               up = std::trunc(height / kPointsPerInch * dpi * 3);
   if (!(across * up > kMaxPixels)) return dpi;
   return std::max(1, static_cast<int32_t>(kLongSide / (across > up ? width : height) / 3));
 }

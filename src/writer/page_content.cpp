@@ -5,13 +5,13 @@
 
 #include "base/bytes.h"
 #include "base/color.h"
+#include "base/units.h"
 #include "writer/arc_path.h"
 
 namespace kapdf {
 namespace {
 
 constexpr double kUsualMiter = 10;
-constexpr double kMillimetresPerInch = 25.4;
 constexpr double kCircleControl = 0.5522847498;  // of the radius
 
 double CoordinateAt(const double *values, size_t index) { return LoadAs<double>(values + index); }

@@ -8,7 +8,7 @@
 namespace kapdf {
 namespace {
 
-static_assert(std::bit_cast<uint64_t>(kUnitsPerMillimetre) == 0x4006AD5AB56AD5ACu);
+static_assert(std::bit_cast<uint64_t>(kPointsPerMillimetre) == 0x4006AD5AB56AD5ACu);
 
 constexpr double kLongestSide = 5000;  // millimetres
 constexpr double kNearOrigin = 1.25;   // area from the origin to the far corner, in sheets
@@ -31,7 +31,7 @@ PageLayout LayOutPage(const FileInfo &info, double frame, bool atOrigin) {
   page.ymax = Finite(Finite(info.ymax) + frame);
   const double width = page.xmax - page.xmin, height = page.ymax - page.ymin;
   if (width > kLongestSide || height > kLongestSide) {
-    page.scale = kLongestSide / std::max(width, height) * 72 / 25.4;
+    page.scale = kLongestSide / std::max(width, height) * kPointsPerInch / kMillimetresPerInch;
   }
   if (!atOrigin && WithinReach(page.xmin) && WithinReach(page.ymin) && WithinReach(page.xmax) &&
       WithinReach(page.ymax)) {

@@ -1,16 +1,15 @@
 // Where a page lies on its sheet, and at what scale.
 #pragma once
 
+#include "base/units.h"
 #include "kapdf/kapdf.h"
 
 namespace kapdf {
 
-inline constexpr double kUnitsPerMillimetre = 72 / 25.4;
-
 struct PageLayout {
   double xmin = 0, ymin = 0, xmax = 0, ymax = 0;  // sheet, millimetres, relative to the origin
   double originX = 0, originY = 0;                // millimetres, taken off every coordinate that is written
-  double scale = kUnitsPerMillimetre;             // PDF units for one millimetre
+  double scale = kPointsPerMillimetre;            // PDF units for one millimetre
 };
 
 // The drawing's extents grown by the frame. A drawing near the origin keeps its coordinates and its sheet starts at 0;

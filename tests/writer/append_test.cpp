@@ -112,7 +112,7 @@ TEST(Append, ManyTimesInBothModes) {
     ASSERT_TRUE(opened.file.GetPage(i, place));
     const std::string page = file.substr(opened.file.objects().Resolve(place.objectNumber), 200);
     char box[40];
-    std::snprintf(box, sizeof box, " %.3f ", (102 + i) * kUnitsPerMillimetre);
+    std::snprintf(box, sizeof box, " %.3f ", (102 + i) * kPointsPerMillimetre);
     ASSERT_NE(page.find(box), std::string::npos) << i << page;
   }
 }

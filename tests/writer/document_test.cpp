@@ -144,7 +144,7 @@ TEST(Document, PageOnItsSheet) {
   FileInfo info{};
   for (const double width : {5000.0, 5000.001}) {
     info.xmax = width;
-    EXPECT_EQ(LayOutPage(info, 0, false).scale == kUnitsPerMillimetre, width == 5000);
+    EXPECT_EQ(LayOutPage(info, 0, false).scale == kPointsPerMillimetre, width == 5000);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 
+#include "base/units.h"
 #include "records/kinds.h"
 
 namespace kapdf::tool {
@@ -211,7 +212,7 @@ Box BoundsOfRaster(const ElementRecord &placement, const ElementRecord &header) 
   Box box;
   if (!CopyPayload(placement, place) || !CopyPayload(header, shape)) return box;
   constexpr uint32_t kUsualDpi = 300;
-  const double pixel = 25.4 / (shape.dpi != 0 ? shape.dpi : kUsualDpi);
+  const double pixel = kMillimetresPerInch / (shape.dpi != 0 ? shape.dpi : kUsualDpi);
   const double width = place.scaleX * shape.width * pixel, height = place.scaleY * shape.height * pixel;
   const double c = std::cos(place.angle), s = std::sin(place.angle);
   for (const double along : {0.0, width}) {

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/color.h"
+#include "base/units.h"
 #include "records/kinds.h"
 #include "svg/svg_text.h"
 
@@ -277,8 +278,8 @@ void SvgPage::DrawText(std::string &out, const ElementRecord &record, const Ink 
 std::string *SvgPage::OpenRaster(const ElementRecord &header) {
   RasterHeaderPayload raster;
   if (!CopyPayload(header, raster) || raster.dpi == 0 || layers_.empty()) return nullptr;
-  const double width = placement_.scaleX * raster.width * 25.4 / raster.dpi;
-  const double height = placement_.scaleY * raster.height * 25.4 / raster.dpi;
+  const double width = placement_.scaleX * raster.width * kMillimetresPerInch / raster.dpi;
+  const double height = placement_.scaleY * raster.height * kMillimetresPerInch / raster.dpi;
   const double c = std::cos(placement_.angle), s = std::sin(placement_.angle);
   Box box;
   for (const auto &[along, up] : {Point{0, 0}, {width, 0}, {width, height}, {0, height}}) {
