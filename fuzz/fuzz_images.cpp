@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const auto drain = [&](CCompressionClass &codec) {
     for (size_t all = 0, got = 1; got > 0 && all < kPixels; all += got) got = codec.Read(part.data(), part.size());
   };
-  CZVDCT dct(source, 0, 0, 0, 1, 0);
+  CZVDCT dct(source, 0);
   CZVJBig2 jbig2(source, 0);
   CZVJP2000 jp2(source, 0);
   jbig2.SetAllowance(kPixels);

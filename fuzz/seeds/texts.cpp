@@ -109,7 +109,7 @@ void AddCodecs(SeedFolder &folder) {
   std::string rows;
   for (int i = 0; i < 600; ++i) rows += static_cast<char>(i % 13 ? i * i >> 6 : i / 13 % 6);
   CZVMemoryFileFlat sink;
-  CZVLzw lzw(sink, 0, 2);
+  CZVLzw lzw(sink, 0, CodecMode::kEncode);
   lzw.Write(rows.data(), rows.size());
   lzw.flush();
   const std::string coded[] = {rows,

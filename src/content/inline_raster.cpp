@@ -282,7 +282,7 @@ bool InlineImageReader::MakeCodec(InlineRaster &image, uint32_t length, RowLayou
       filter = ImageFilter::kPackBits;
       break;
     case kLzw: {
-      auto codec = std::make_unique<CZVLzw>(io, length, 1, 8);
+      auto codec = std::make_unique<CZVLzw>(io, length);
       codec->SetEarlyChange(earlyChange_ != 0);
       UsePredictor(*codec, predictor_, predicted);
       image.codec = std::move(codec);
@@ -301,7 +301,7 @@ bool InlineImageReader::MakeCodec(InlineRaster &image, uint32_t length, RowLayou
       layout.runs = layout.kind == RasterKind::kBilevel;
       break;
     case kDct: {
-      auto codec = std::make_unique<CZVDCT>(io, length, 0, 0, 1, 75);
+      auto codec = std::make_unique<CZVDCT>(io, length);
       if (!codec->Open()) return false;
       layout.components = codec->components();
       layout.codedWidth = codec->width();

@@ -16,6 +16,9 @@ enum CodecState : unsigned {
   kCodecDamaged = 2    // what was delivered so far is all that there is
 };
 
+// What a codec is made for, where its first call does not tell.
+enum class CodecMode : uint8_t { kDecode, kEncode };
+
 // What row prediction needs to know of the samples.
 struct SampleShape {
   uint32_t columns = 1;  // pixels of a row

@@ -216,8 +216,9 @@ struct CZVDCT::Encoder : jpeg_destination_mgr {
   }
 };
 
-CZVDCT::CZVDCT(CZVBaseIO &io, uint32_t length, uint32_t bitsPerPixel, uint32_t width, int mode, int quality)
-    : CCompressionClass(io, length), bitsPerPixel_(bitsPerPixel), columns_(width), mode_(mode), quality_(quality) {}
+CZVDCT::CZVDCT(CZVBaseIO &io, uint32_t length) : CCompressionClass(io, length), mode_(CodecMode::kDecode) {}
+CZVDCT::CZVDCT(CZVBaseIO &io, const JpegShape &shape)
+    : CCompressionClass(io, 0), mode_(CodecMode::kEncode), shape_(shape) {}
 
 CZVDCT::~CZVDCT() = default;
 
@@ -236,7 +237,7 @@ bool CZVDCT::adobeMarker() const { return decoder_ && decoder_->info.saw_Adobe_m
 
 bool CZVDCT::Open() {
   if (decoder_) return true;
-  if (mode_ != 1 || state_ != kCodecOk) return false;
+  if (mode_ != CodecMode::kDecode || state_ != kCodecOk) return false;
   decoder_ = std::make_unique<Decoder>(io_, length_);
   if (decoder_->ReadHeader()) return true;
   decoder_.reset();
@@ -287,13 +288,13 @@ size_t CZVDCT::decompress(uint8_t *buffer, size_t count) {
 }
 
 bool CZVDCT::StartEncoder() {
-  if (mode_ != 2 || (bitsPerPixel_ != 8 && bitsPerPixel_ != 24)) return false;
+  if (mode_ != CodecMode::kEncode || (shape_.bitsPerPixel != 8 && shape_.bitsPerPixel != 24)) return false;
   encoder_ = std::make_unique<Encoder>(io_);
-  return encoder_->Start(columns_, rows_, static_cast<int>(bitsPerPixel_ / 8), quality_);
+  return encoder_->Start(shape_.columns, rows_, static_cast<int>(shape_.bitsPerPixel / 8), shape_.quality);
 }
 
 size_t CZVDCT::EncodeRows(const uint8_t *samples, size_t count) {
-  const size_t rowBytes = size_t{columns_} * (bitsPerPixel_ / 8);
+  const size_t rowBytes = codedRowBytes();
   JSAMPROW rows[kRowsAtOnce];
   const size_t most = std::min({count, kRowsAtOnce, size_t{rows_ - encoder_->info.next_scanline}});
   for (size_t i = 0; i < most; ++i) rows[i] = const_cast<uint8_t *>(samples + i * rowBytes);
@@ -311,7 +312,7 @@ size_t CZVDCT::compress(const uint8_t *buffer, size_t count) {
     state_ = kCodecDamaged;
     return 0;
   }
-  const size_t rowBytes = size_t{columns_} * (bitsPerPixel_ / 8);
+  const size_t rowBytes = codedRowBytes();
   size_t done = 0;
   while (done < count && encoder_->info.next_scanline < rows_) {
     if (rowUsed_ == 0 && count - done >= rowBytes) {

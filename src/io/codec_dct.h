@@ -8,13 +8,21 @@
 
 namespace kapdf {
 
+// What an image is coded as.
+struct JpegShape {
+  uint32_t bitsPerPixel;  // 8 (grey) or 24 (RGB)
+  uint32_t columns;       // pixels of a row
+  int quality;            // 1 to 100
+};
+
 // Decoding delivers rows of width() * components() interleaved samples of 8 bits. Damaged data deliver the rows that
 // are there; libjpeg's warnings are passed over.
 class CZVDCT final : public CCompressionClass {
  public:
-  // mode: 1 decodes, 2 encodes. The rest is for encoding: bits per pixel 8 (grey) or 24 (RGB), pixels of a row, and
-  // quality from 1 to 100. `length`, unless it is 0, bounds the coded bytes that are read.
-  CZVDCT(CZVBaseIO &io, uint32_t length, uint32_t bitsPerPixel, uint32_t width, int mode, int quality);
+  // Decodes. `length`, unless it is 0, bounds the coded bytes that are read.
+  CZVDCT(CZVBaseIO &io, uint32_t length);
+  // Codes.
+  CZVDCT(CZVBaseIO &io, const JpegShape &shape);
   ~CZVDCT() override;
 
   // Reads the header; false when it cannot be read or asks for what is not decoded: other than 1, 3 or 4 components,
@@ -49,8 +57,11 @@ class CZVDCT final : public CCompressionClass {
   size_t EncodeRows(const uint8_t *samples, size_t count);
   bool StartEncoder();
 
-  uint32_t bitsPerPixel_, columns_, rows_ = 0;
-  int mode_, quality_;
+  size_t codedRowBytes() const { return size_t{shape_.columns} * (shape_.bitsPerPixel / 8); }
+
+  CodecMode mode_;
+  JpegShape shape_{};
+  uint32_t rows_ = 0;
   bool invertedCmyk_ = false;
   std::unique_ptr<Decoder> decoder_;
   std::unique_ptr<Encoder> encoder_;

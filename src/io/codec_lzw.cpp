@@ -96,8 +96,7 @@ struct CZVLzw::Encoder {
   std::vector<uint8_t> coded;
 };
 
-CZVLzw::CZVLzw(CZVBaseIO &io, uint32_t length, uint8_t mode, uint8_t width)
-    : RowPredictedCodec(io, length), mode_(mode), width_(width) {}
+CZVLzw::CZVLzw(CZVBaseIO &io, uint32_t length, CodecMode mode) : RowPredictedCodec(io, length), mode_(mode) {}
 
 CZVLzw::~CZVLzw() = default;
 
@@ -130,7 +129,7 @@ bool CZVLzw::FillBits() {
 }
 
 size_t CZVLzw::DecodePlain(uint8_t *buffer, size_t count) {
-  if (mode_ != 1 || width_ != 8 || state_ != kCodecOk) return 0;
+  if (mode_ != CodecMode::kDecode || state_ != kCodecOk) return 0;
   if (!decoder_) decoder_ = std::make_unique<Decoder>();
   Decoder &d = *decoder_;
   size_t done = std::min(count, d.spillEnd - d.spillNext);
@@ -196,7 +195,7 @@ bool CZVLzw::PutAndGrow(unsigned code) {
 }
 
 size_t CZVLzw::compress(const uint8_t *buffer, size_t count) {
-  if (mode_ != 2 || width_ != 8 || state_ != kCodecOk) return 0;
+  if (mode_ != CodecMode::kEncode || state_ != kCodecOk) return 0;
   bool ok = true;
   if (!encoder_) {
     encoder_ = std::make_unique<Encoder>();
@@ -226,7 +225,7 @@ size_t CZVLzw::compress(const uint8_t *buffer, size_t count) {
 }
 
 bool CZVLzw::flush() {
-  if (mode_ != 2 || width_ != 8 || state_ != kCodecOk) return false;
+  if (mode_ != CodecMode::kEncode || state_ != kCodecOk) return false;
   bool ok = encoder_ || compress(nullptr, 0) == 0;
   Encoder &e = *encoder_;
   if (ok && e.previous != kNoCode) ok = PutAndGrow(e.previous);

@@ -12,8 +12,7 @@ namespace kapdf {
 // damage.
 class CZVLzw final : public RowPredictedCodec {
  public:
-  // `mode` 1 decodes, 2 codes. `width`: bits of a symbol; only 8 is known.
-  CZVLzw(CZVBaseIO &io, uint32_t length, uint8_t mode = 1, uint8_t width = 8);
+  CZVLzw(CZVBaseIO &io, uint32_t length, CodecMode mode = CodecMode::kDecode);
   ~CZVLzw() override;
 
   // Codes grow by a bit one code earlier than they would have to. On unless told; to be told before the first byte.
@@ -33,8 +32,7 @@ class CZVLzw final : public RowPredictedCodec {
   bool Put(unsigned code);  // codes one code; false when the sink did not take it
   bool PutAndGrow(unsigned code);
 
-  uint8_t mode_;
-  uint8_t width_;
+  CodecMode mode_;
   unsigned early_ = 1;
   std::unique_ptr<Decoder> decoder_;
   std::unique_ptr<Encoder> encoder_;

@@ -96,7 +96,7 @@ int CPDFStream::MakeCodec() {
     return 0;
   }
   if (IsEither(filter, "LZWDecode", "LZW")) {
-    codec_ = std::make_unique<CZVLzw>(*source_, length, 1, 8);
+    codec_ = std::make_unique<CZVLzw>(*source_, length);
     return 0;
   }
   return IsEither(filter, "CCITTFaxDecode", "CCF") ? MakeFacsimileCodec() : 1;

@@ -152,7 +152,7 @@ std::unique_ptr<CCompressionClass> MakeImageCodec(CZVBaseIO &io, uint32_t length
     case ImageFilter::kFlate:
       return std::make_unique<CZVFlate>(io, length);
     case ImageFilter::kLzw:
-      return std::make_unique<CZVLzw>(io, length, 1, 8);
+      return std::make_unique<CZVLzw>(io, length);
     case ImageFilter::kPackBits:
       return std::make_unique<CZVPackBits>(io, length);
     case ImageFilter::kCcitt3:
@@ -162,7 +162,7 @@ std::unique_ptr<CCompressionClass> MakeImageCodec(CZVBaseIO &io, uint32_t length
     case ImageFilter::kCcitt4:
       return facsimile(std::make_unique<CZVCCITT4>(io, length));
     case ImageFilter::kDct:
-      return std::make_unique<CZVDCT>(io, length, shape.colors * shape.bitsPerComponent, shape.columns, 1, 75);
+      return std::make_unique<CZVDCT>(io, length);
     case ImageFilter::kJp2:
       return std::make_unique<CZVJP2000>(io, length);
     case ImageFilter::kJBig2:

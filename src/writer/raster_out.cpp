@@ -16,7 +16,6 @@ namespace {
 constexpr uint32_t kTypeBits = 0xFFFF;
 constexpr uint32_t kUsualDpi = 300;
 constexpr size_t kPaletteHead = 4;  // bytes ahead of the entries
-constexpr uint8_t kCodingMode = 2;
 
 constexpr uint32_t kDctSide = 65500;  // pixels that libjpeg takes
 
@@ -59,9 +58,9 @@ std::unique_ptr<CCompressionClass> MakeCodec(CZVBaseIO &file, const RasterShape 
       return codec;
     }
     case RasterCoding::kLzw:
-      return std::make_unique<CZVLzw>(file, 0, kCodingMode);
+      return std::make_unique<CZVLzw>(file, 0, CodecMode::kEncode);
     case RasterCoding::kDct: {
-      auto codec = std::make_unique<CZVDCT>(file, 0, 24, shape.width, kCodingMode, quality);
+      auto codec = std::make_unique<CZVDCT>(file, JpegShape{24, shape.width, quality});
       codec->SetHeight(shape.height);
       return codec;
     }

@@ -127,7 +127,7 @@ TEST(Codecs, Lzw) {
     return bytes + static_cast<char>(window << (8 - held));
   };
   const std::string known("\x80\x0B\x60\x50\x22\x0C\x0C\x85\x01", 9), plain = "-----A---B";
-  EXPECT_EQ(Encoded<CZVLzw>(plain, uint8_t{2}), known);
+  EXPECT_EQ(Encoded<CZVLzw>(plain, CodecMode::kEncode), known);
   const Case cases[] = {
       {known, plain, kCodecFinished},
       {nines({'a', 258, 'b', 257}), "aaab", kCodecFinished},  // no clear code, and a string that is used as it is made
@@ -159,7 +159,7 @@ TEST(Codecs, LzwGrowsItsCodes) {
   }
   std::string plain;
   for (unsigned i = 0; i < 200000; ++i) plain += static_cast<char>(i * i >> (i / 9999));
-  const std::string coded = Encoded<CZVLzw>(plain, uint8_t{2});
+  const std::string coded = Encoded<CZVLzw>(plain, CodecMode::kEncode);
   EXPECT_LT(coded.size(), plain.size());
   ExpectDecoded<CZVLzw>({coded, plain, kCodecFinished});
 }

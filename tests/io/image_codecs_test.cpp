@@ -91,7 +91,7 @@ TEST(Dct, DecodesEveryKind) {
     const std::string coded = Jpeg(kind, static_cast<int>(components));
     for (const size_t piece : {size_t{7}, size_t{kWidth} * components, size_t{100000}}) {
       MemorySource source(Bytes(coded));
-      CZVDCT codec(source, 0, 0, 0, 1, 0);
+      CZVDCT codec(source, 0);
       ASSERT_TRUE(codec.Open());
       EXPECT_EQ(codec.width(), kWidth);
       EXPECT_EQ(codec.height(), kHeight);
@@ -119,7 +119,7 @@ TEST(Dct, DamagedDataGiveTheRowsThatAreThere) {
                      {"no image", 0, 0, 0}};
   for (const Case &c : cases) {
     MemorySource source(Bytes(c.coded));
-    CZVDCT codec(source, c.length, 0, 0, 1, 0);
+    CZVDCT codec(source, c.length);
     const std::string rows = Drain(codec, kWidth);
     EXPECT_GE(rows.size(), c.least * kWidth);
     EXPECT_LE(rows.size(), c.most * kWidth);

@@ -12,7 +12,7 @@ namespace kapdf::test {
 template <class Sample>
 std::string Jpeg(uint32_t width, uint32_t height, uint32_t components, int quality, Sample sample) {
   CZVMemoryFileFlat sink;
-  CZVDCT encoder(sink, 0, 8 * components, width, 2, quality);
+  CZVDCT encoder(sink, JpegShape{8 * components, width, quality});
   encoder.SetHeight(height);
   for (uint32_t i = 0; i < width * height * components; ++i) encoder.putByte(static_cast<uint8_t>(sample(i)));
   encoder.flush();
