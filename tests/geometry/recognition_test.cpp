@@ -55,17 +55,19 @@ TEST(Recognition, KindsAndTheirLimits) {
       {{0, 0, 9, 9, 0, 0, 90, 10}, '-'},         // points
       {{0, 0, 9, 9, 0, 0, 90, 11}, 'a'},
       {{0, 0, 9, 9, 0, 0, 359.9999, 60}, 'a'},
-      {{0, 0, 9, 9, 0, 40, 11, 20}, 'a'},
+      {{0, 0, 9, 9, 0, 40, 10.1, 20}, 'a'},
       {{0, 0, 9, 9, 0, 40, 9.9, 30}, '-'},  // less than ten degrees
       {{0, 0, 9, 9, 0, 0, 360, 30}, '-'},   // chords lie 0.55 % inside, 0.4 % is allowed
       {{0, 0, 9, 9 / 1.003, 0, 0, 360, 90}, 'c'},
       {{0, 0, 9, 9 / 1.007, 0, 0, 360, 90}, '-'},  // neither round nor long enough
       {{0, 0, 9, 9 / 1.02, 30, 0, 360, 90}, 'e'},
-      {{8, 8, 90, 90 / 19.9, 60, 0, 360, 900}, 'e'},
-      {{8, 8, 90, 90 / 20.1, 60, 0, 360, 900}, '-'},
+      {{8, 8, 90, 90 / 19.9, 60, 0, 360, 300}, 'e'},
+      {{8, 8, 90, 90 / 20.1, 60, 0, 360, 300}, '-'},
       {{0, 0, 0.0118, 0.0006, 60, 0, 360, 90}, '-'},  // thinner than what counts as lying on its axis
       {{0, 0, 9, 5, 10, 0, 180, 20}, '-'},            // points
       {{0, 0, 9, 5, 10, 0, 180, 21}, 'e'},
+      {{8, 8, 9000, 600, 30, -5.1, 10.2, 60}, 'e'},  // about a tip, where no circle fits
+      {{8, 8, 9000, 600, 30, -4.9, 9.8, 60}, '-'},
   };
   for (const auto &c : cases) {
     const Shape &s = c.shape;
@@ -118,7 +120,7 @@ TEST(Recognition, AbsurdPointsStayAPolyline) {
 
 TEST(CurveFit, KeepsACentreAndFindsEllipsesAlongTheAxes) {
   CurveFit fit;
-  const Points points = Traced({1000, 2000, 6, 2, 0, 0, 355, 72});
+  const Points points = Traced({1000, 2000, 6, 2, 0, 40, 355, 72});
   for (size_t i = 0; i < points.size(); i += 2) fit.AddPoint(points[i], points[i + 1]);
   for (const bool general : {true, false}) {
     ASSERT_EQ(fit.SolveEllipse(general, false), 1);
