@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <string>
 
 #include "io/codec_ascii.h"
@@ -207,6 +209,36 @@ TEST(Codecs, RowPrediction) {
       EXPECT_EQ(Drain(codec, piece), hex(c.plain)) << int{c.predictor} << ": " << c.coded;
       EXPECT_EQ(codec.error(), kCodecFinished);
     }
+  }
+}
+
+// Larger than what is decoded at a time, of samples that are often equally near to the predicted one.
+TEST(Codecs, RowPredictionOfWholePictures) {
+  constexpr int kHeight = 260;
+  for (const int colors : {1, 3}) {
+    const int rowBytes = 300 * colors;
+    std::string plain, predicted;
+    for (uint32_t i = 0, noise = 1; i < kHeight * static_cast<uint32_t>(rowBytes); ++i) {
+      noise = noise * 1664525 + 1013904223;
+      plain += static_cast<char>(126 + (noise >> 24) % 5);
+    }
+    const auto at = [&](int x, int y) { return x < 0 || y < 0 ? 0 : static_cast<uint8_t>(plain[y * rowBytes + x]); };
+    for (int y = 0; y < kHeight; ++y) {
+      const int tag = (y + 4) % 5;
+      predicted += static_cast<char>(tag);
+      for (int x = 0; x < rowBytes; ++x) {
+        const int a = at(x - colors, y), b = at(x, y - 1), c = at(x - colors, y - 1), p = a + b - c;
+        const int nearest = std::min({std::abs(p - a), std::abs(p - b), std::abs(p - c)});
+        const int paeth = std::abs(p - a) == nearest ? a : std::abs(p - b) == nearest ? b : c;
+        predicted += static_cast<char>(at(x, y) - std::array{0, a, b, (a + b) / 2, paeth}[static_cast<size_t>(tag)]);
+      }
+    }
+    const std::string coded = test::Deflate(predicted);
+    MemorySource source(Bytes(coded));
+    CZVFlate codec(source, 0);
+    codec.UsePredictor(15);
+    codec.SetSampleShape({300, static_cast<uint32_t>(colors), 8});
+    EXPECT_TRUE(Drain(codec, 5000) == plain) << colors;
   }
 }
 

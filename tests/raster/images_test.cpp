@@ -55,6 +55,7 @@ std::string Shown(const std::string &entries, const std::string &data, bool jbig
           .Stream(25, image + fourByTwo + "/ColorSpace /DeviceGray /BitsPerComponent 8", "\0\1\2\3\0\1\2\3"s)
           .Stream(26, image + "/Width 1 /Height 4 /ImageMask true /BitsPerComponent 1", "\x80\0\x80\0"s)
           .Stream(27, image + fourByTwo + "/ImageMask true /BitsPerComponent 1 /Decode [1 0]", "\x50\xF0")
+          .Stream(28, image + "/Width 2 /Height 2 /ImageMask true /BitsPerComponent 1", "\x40\x80")
           .Object(30, "<</Predictor 2>>")
           .Object(32, "[<<>> 30 0 R]")
           .Object(33, "<</A 20 0 R /B 34 0 R>>")
@@ -132,21 +133,28 @@ TEST(Image, MasksChangeTheKind) {
   const std::string gray = "/Width 4 /Height 2 /BitsPerComponent 8 /ColorSpace /DeviceGray ";
   const std::string plain = "4x2 k4 | abcdefghijkl | ABCDEFGHIJKL";
   const std::string masked = "4x2 k5 | abc00defFFghi00jklFF | ABCFFDEFFFGHIFFJKLFF";
-  Check("", {{rgb + "/Mask 20 0 R", pixels, plain},  // hides nothing
-             {rgb + "/Mask 21 0 R", pixels, masked},
-             {rgb + "/SMask 24 0 R", pixels, "4x2 k5 | abcFFdef00ghiFFjkl00 | ABC00DEF00GHI00JKL00"},
-             {rgb + "/SMask 25 0 R", pixels, plain},  // of 8 bits: not used
-             {rgb + "/Mask 22 0 R", pixels,
-              "8x4 k5 | abc00abc00def00def00ghiFFghiFFjklFFjklFF | abc00abc00def00def00ghi00ghi00jkl00jkl00"
-              " | ABC00ABC00DEF00DEF00GHI00GHI00JKL00JKL00 | ABCFFABCFFDEFFFDEFFFGHIFFGHIFFJKLFFJKLFF"},
-             {gray + "/Mask 21 0 R", "abcdABCD", "4x2 k2 p010101 x255 | aFFcFF | FFFFFFFF"},
-             {"/Width 4 /Height 2 /BitsPerComponent 1 /Mask 21 0 R", "\xFF\xFF", "4x2 k0 inverted | 1-1 3-3 | 0-3"},
-             {"/Width 4 /Height 2 /ColorSpace /DeviceGray /BitsPerComponent 1 /Mask 27 0 R", "\xFF\xFF",
-              "4x2 k0 | 1-1 3-3 | 0-3"},
-             {"/Width 4 /Height 2 /BitsPerComponent 1 /ColorSpace /DeviceGray /SMask 24 0 R", "\xFF\xFF",
-              "4x2 k0 | 1-1 3-3 | 0-3"},
-             {rgb + "/Mask 26 0 R", pixels, "1x4 k5 | abcFF | abc00 | ABCFF | ABC00"},
-             {"/Width 1 /Height 3 /BitsPerComponent 1", "\x80\0\x80"s, "3x1 k0 | 0-0 2-2"}});  // turned
+  Check("",
+        {{rgb + "/Mask 20 0 R", pixels, plain},  // hides nothing
+         {rgb + "/Mask 21 0 R", pixels, masked},
+         {rgb + "/SMask 24 0 R", pixels, "4x2 k5 | abcFFdef00ghiFFjkl00 | ABC00DEF00GHI00JKL00"},
+         {rgb + "/SMask 25 0 R", pixels, plain},  // of 8 bits: not used
+         {rgb + "/Mask 22 0 R", pixels,
+          "8x4 k5 | abc00abc00def00def00ghiFFghiFFjklFFjklFF | abc00abc00def00def00ghi00ghi00jkl00jkl00"
+          " | ABC00ABC00DEF00DEF00GHI00GHI00JKL00JKL00 | ABCFFABCFFDEFFFDEFFFGHIFFGHIFFJKLFFJKLFF"},
+         {gray + "/Mask 21 0 R", "abcdABCD", "4x2 k2 p010101 x255 | aFFcFF | FFFFFFFF"},
+         {"/Width 4 /Height 2 /BitsPerComponent 1 /Mask 21 0 R", "\xFF\xFF", "4x2 k0 inverted | 1-1 3-3 | 0-3"},
+         {"/Width 4 /Height 2 /ColorSpace /DeviceGray /BitsPerComponent 1 /Mask 27 0 R", "\xFF\xFF",
+          "4x2 k0 | 1-1 3-3 | 0-3"},
+         {"/Width 4 /Height 2 /BitsPerComponent 1 /ColorSpace /DeviceGray /SMask 24 0 R", "\xFF\xFF",
+          "4x2 k0 | 1-1 3-3 | 0-3"},
+         {rgb + "/Mask 26 0 R", pixels, "1x4 k5 | abcFF | abc00 | ABCFF | ABC00"},
+         // Coarser than its image, of which it takes every second pixel.
+         {"/Width 4 /Height 4 /BitsPerComponent 8 /ColorSpace /DeviceGray /Mask 28 0 R", "abcdefghijklmnop",
+          "2x2 k2 p010101 x255 | aFF | FFk"},
+         {"/Width 1 /Height 3 /BitsPerComponent 1", "\x80\0\x80"s, "3x1 k0 | 0-0 2-2"},  // turned
+         {"/Width 150 /Height 2 /BitsPerComponent 1",
+          std::string(8, '\xFF') + "\x80\x01" + std::string(8, '\0') + "\4" + std::string(16, '\0') + "\x3F\xFF\xFC",
+          "150x2 k0 | 0-64 79-79 149-149 | 130-149"}});
 }
 
 TEST(Image, StripesShowAsOne) {
