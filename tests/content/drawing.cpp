@@ -85,11 +85,15 @@ std::string DescribeRaster(Interpreter &interpreter, const ElementRecord &record
   std::string line = text, asked;
   ImageDescription told;
   if (!interpreter.PrepareRaster(asked, told)) return line + " nothing";
+  uint8_t *row;
+  size_t bytes;
+  interpreter.ReadRasterRow(row, bytes);  // the host breaks off, and starts anew
+  asked.clear();
+  EXPECT_TRUE(interpreter.PrepareRaster(asked, told));
   std::snprintf(text, sizeof text, " %ux%u@%u k%d%s", told.width, told.height, told.dpi, static_cast<int>(told.kind),
                 told.invert ? " inverted" : "");
   line += text;
-  uint8_t *row;
-  for (size_t bytes; interpreter.ReadRasterRow(row, bytes) == 0;) line += RowText(told.kind, told.width, row);
+  while (interpreter.ReadRasterRow(row, bytes) == 0) line += RowText(told.kind, told.width, row);
   return line;
 }
 

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "drawing.h"
+#include "io/codec_lzw.h"
+#include "io/memory_file.h"
 #include "platform/settings.h"
 #include "support/pdf_builder.h"
 
@@ -44,6 +46,12 @@ void Check(const std::string &resources, const std::vector<Case> &cases) {
 
 TEST(XObjects, AreFoundEnteredAndAnnounced) {
   const std::string line = "line 256 w1 0,0 9,9";
+  const auto forms = [&](const std::string &opacity) {
+    return "A #100 10,20 0 o" + opacity + " 2x1@36 k1 | cd\nfill 256 w0 o" + opacity +
+           " 10,20 12,20 12,22 10,22\nFull #100 10,20 0 o" + opacity +
+           " 8x2@72 k0 | 0-7 | 0-7\nline 256 w10 10,20 12,22\nfill 256 w2 o" + opacity +
+           " 10,20 10,22 12,22 12,20 10,20";
+  };
   Check(
       "/XObject <</A 100 0 R /F 105 0 R /Q 116 0 R /Full 102 0 R /Blank 103 0 R /M 104 0 R /R 109 0 R /No 110 0 R "
       "/P 114 0 R /T 117 0 R /B 118 0 R>> /ExtGState <</E 108 0 R>>",
@@ -54,11 +62,10 @@ TEST(XObjects, AreFoundEnteredAndAnnounced) {
        {"/R Do 0 0 m 9 9 l S %% and 5 5 m 6 6 l S", "fill #FF0000 w1 o100 0,0 0,1 1,1 1,0 0,0\n" + line},
        {"/R Do 0 0\0\nm\0 9 9 l S"s, "fill #FF0000 w1 o100 0,0 0,1 1,1 1,0 0,0\n" + line},
        // Forms: the state comes back, alphas are multiplied, and none draws itself. Those of the page have no solids.
-       {"/F Do 0 0 m 9 9 l S",
-        "A #100 10,20 0 o50 2x1@36 k1 | cd\nfill 256 w0 o50 10,20 12,20 12,22 10,22\n"
-        "Full #100 10,20 0 o50 8x2@72 k0 | 0-7 | 0-7\nline 256 w10 10,20 12,22\n"
-        "fill 256 w2 o50 10,20 10,22 12,22 12,20 10,20\n" +
-            line},
+       {"/F Do 0 0 m 9 9 l S", forms("50") + "\n" + line},
+       {"/E gs /F Do", forms("25")},
+       {"1 Do 1 gs 1 cs 1 CS 1 d 1 BDC 1 Tf 0 0 m 9 9 l S BT 1 Tj 1 TJ 1 ' 1 \" ET",
+        line},                                                        // numbers where names belong
        {"/Q Do 0 0 m 9 9 l S", "line 256 w2 0,0 9,9"},                // of what a form leaves open one state comes back
        {"50 Tz /B Do (A) Tj ET", "text 256 'A' 0,0 h0.714 w0.5 a0"},  // also in the text object that it left open
        {"4 0 0 2 1 2 cm 1 g /Full Do /Blank Do", "fill 255 w0 o100 1,2 5,2 5,4 1,4"},
@@ -79,6 +86,14 @@ TEST(XObjects, BehindAReferenceAreImagesOrStripes) {
 TEST(InlineImages, AreReadInEveryForm) {
   const std::string at = " #100 0,0 0 o100 ", one = "InlineImage0" + at, gray = one + "2x2@72 k1 | ab | cd";
   const std::string line = "\nline 256 w1 0,0 9,9", draw = "\n0 0 m 9 9 l S", eight = "/W 2/H 2/BPC 8/CS/G";
+  std::string letters;  // more codes than have nine bits
+  for (int i = 0; i < 600; ++i) letters += static_cast<char>('a' + i * 7919 % 601 * i % 26);
+  CZVMemoryFileFlat lzwBytes;
+  CZVLzw late(lzwBytes, 0, uint8_t{2});
+  late.SetEarlyChange(false);
+  late.Write(letters.data(), letters.size());
+  ASSERT_TRUE(late.flush());
+  const std::string lzw(lzwBytes.bytes().begin(), lzwBytes.bytes().end());
   Check(
       "/ColorSpace <</CS0 111 0 R /CS1 112 0 R>>",
       {{"q 2 0 0 2 0 0 cm BI /W 2 /H 2 /BPC 8 /CS /G ID abcd EI Q" + draw, gray + line},
@@ -88,6 +103,9 @@ TEST(InlineImages, AreReadInEveryForm) {
        {"2 0 0 2 0 0 cm BI" + eight + " ID abcdEI", gray},  // no white space before the end
        {"2 0 0 2 0 0 cm BI\n/W\t2\t/H \t2\n/BPC\t8\t/CS\t/G\nID abcd\nEI", gray},
        {"2 0 0 2 0 0 cm BI" + eight + "/F[/AHx] ID 6162 6364> EI", gray},
+       {"2 0 0 2 0 0 cm BI" + eight + "/F/A85 ID @:E_W~> EI", gray},
+       {"2 0 0 2 0 0 cm BI" + eight + "/F[/A85/Fl] ID GhPea8ksAJEcqH`%%%*]~> EI", gray},
+       {"BI/W 600/H 1/BPC 8/CS/G/F/LZW/DP<</EarlyChange 0>> ID " + lzw + " EI", one + "600x1@72 k1 | " + letters},
        {"2 0 0 2 0 0 cm BI" + eight + "/F/Fl/DP<</Predictor 2/Columns 2>> ID " + Deflate("a\1c\1") + " EI", gray},
        {"2 0 0 2 0 0 cm\nBI\n" + eight + "\nID\na\\\nbcd\nEI", gray},  // a backslash and a line end are no data
        {"q 2 0 0 2 0 0 cm BI" + eight + " ID \nabcd EI Q" + draw, gray + line},  // data behind the line

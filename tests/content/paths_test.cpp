@@ -57,6 +57,8 @@ TEST(Paths, Painting) {
       // What a paint of nothing has set holds for the next one.
       {"B 0 0 9 9 re f", fill + square + "\npoly" + stroke + square},
       {"B 1 1 m 2 2 l S 0 0 9 9 re f", "line #0000FF w1 1,1 2,2\n" + fill + square},
+      // That contours are closed ends with their polygon.
+      {"0 0 9 9 re f* 0 0 m 9 0 l 9 9 l S", fill + square + "\npoly #0000FF w1 0,0 9,0 9,9"},
   };
   for (const auto &c : cases) EXPECT_EQ(Drawn(kRed + c.content), c.drawn) << c.content;
 }

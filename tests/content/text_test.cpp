@@ -10,11 +10,12 @@ namespace {
 const std::vector<std::string> kObjects = {
     "<</Type/Font/Subtype/Type1/BaseFont/NoSuchFace/FirstChar 32/LastChar 70/Widths[250"
     " 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 500 500 500 500 500 500]>>",
-    "<</Type/OCG/Name(One)>>", "<</Type/OCG/Name<FEFF004F03A9>>>"};
+    "<</Type/OCG/Name(One)>>", "<</Type/OCG/Name<FEFF004F03A9>>>",
+    "<</Type/Font/Subtype/Type1/BaseFont/Differs/Encoding<</Differences[65/Z]>>>>"};
 
 std::string Shown(const std::string &content) {
   const std::string entries = std::string(kLetter) +
-                              " /Resources <</Font<</F 100 0 R/H 100 0 R>>"
+                              " /Resources <</Font<</F 100 0 R/H 100 0 R/D 103 0 R>>"
                               "/Properties<</L1 101 0 R/L2 102 0 R/L3 (x)>>>>";
   return Joined(ReadPage(PageBytes({content}, entries, kObjects))) + "\n";
 }
@@ -71,6 +72,9 @@ TEST(Text, WithoutAFontAndBetweenTextObjects) {
   EXPECT_EQ(Shown("BT 0 0 Td (AB) Tj (C) Tj ET"), "text 256 'AB' 0,0 h0.714 w1 a0\ntext 256 'C' 1,0 h0.714 w1 a0\n");
   EXPECT_EQ(Shown("/F 10 Tf 1 0 0 rg q 2 0 0 2 0 0 cm BT (A) Tj ET Q ET BT 1 1 1 rg (B) Tj ET"),
             "font NoSuchFace\ntext #FF0000 'A' 0,0 h14.286 w1 a0\ntext 255 'B' 0,0 h7.143 w1 a0\n");
+  // Bytes are decoded by the font that Q brings back, and drawn by the one selected last.
+  EXPECT_EQ(Shown("/D 10 Tf q /F 10 Tf Q BT (A) Tj ET"),
+            "font Differs\nfont NoSuchFace\ntext 256 'Z' 0,0 h7.143 w1 a0\n");
 }
 
 TEST(MarkedContent, NamesTheLayerOfWhatIsInside) {
