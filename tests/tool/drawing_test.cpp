@@ -122,6 +122,8 @@ TEST(Svg, DrawsEachKindWithItsInk) {
       "{\"kind\":\"polygon\",\"opacity\":40,\"color\":7,\"contours\":[[[0,0],[9,0],[9,9]],[[1,1],[2,1],[2,2]]]}\n"
       "{\"kind\":\"arc\",\"width\":1,\"center\":[0,0],\"radius\":10,\"startAngle\":0,\"endAngle\":1.5707963267948966}\n"
       "{\"kind\":\"line\",\"width\":0.7,\"lineType\":\"Dash\",\"points\":[[4,5],[4,5.00001]]}\n"
+      "{\"kind\":\"point\",\"at\":[3,4],\"size\":2}\n"
+      "{\"kind\":\"point\",\"at\":[6,4],\"size\":-3,\"pointStyle\":2}\n"
       "{\"kind\":\"polyline\",\"width\":0,\"points\":[[4,5],[4,5],[4,5]]}\n"
       "{\"kind\":\"text\",\"textStyle\":\"T\",\"text\":\"a<b\",\"at\":[1,2],\"height\":3.58,\"widthFactor\":0.8}\n");
   const char *wanted[] = {
@@ -136,6 +138,8 @@ TEST(Svg, DrawsEachKindWithItsInk) {
       "<path d=\"M10 0A10 10 0 0 0 7.0711 -7.0711A10 10 0 0 0 0 -10\"",
       // A dot, however it is dashed.
       "<line x1=\"4\" y1=\"-5\" x2=\"4\" y2=\"-5\" stroke=\"#000000\" stroke-width=\"0.7\" stroke-linecap=\"round\"/>",
+      "<circle cx=\"3\" cy=\"-4\" r=\"1\" fill=\"#000000\"/>",
+      "<circle cx=\"6\" cy=\"-4\" r=\"1.5\" stroke=\"#000000\" class=\"hair\"/>",
       "<polyline points=\"4,-5 4,-5 4,-5\" stroke=\"#000000\" class=\"hair\" stroke-linecap=\"round\"/>",
       // The height is that of the capitals, and the part of the face that a file carried is known to nobody else.
       "translate(1 -2) scale(0.8 1)\" font-size=\"5\" font-family=\"DejaVu Sans\" fill=\"#000000\" "

@@ -19,14 +19,18 @@ std::string Added(const Workspace &workspace, const std::string &old, int32_t pa
   return file.substr(old.size());
 }
 
-// Three pages 3, 5 and 7; an update that replaces the second by 12; one that adds an object.
+// Three pages 3, 5 and 7; an update that replaces the second by 12; one that adds an object, and one far beyond the
+// end.
 std::string OldDocument(XRefForm form, bool updated) {
   const std::string first = test::PagesOf({"q", "Q", "n"}).Build(form);
   if (!updated) return first;
   test::PdfBuilder kids, more;
   kids.Object(2, "<</Type /Pages /Count 3 /Kids [3 0 R 12 0 R 7 0 R]>>").Object(12, "<</Type /Page /Parent 2 0 R>>");
   more.Object(20, "(more)");
-  return more.Build(form, kids.Build(form, first));
+  std::string file = more.Build(form, kids.Build(form, first));
+  if (form != XRefForm::kClassic) return file;
+  const size_t table = file.rfind("xref\n", file.rfind("trailer"));
+  return file.replace(table, 5, "xref\n30 1\n4000000000 00000 n \n");
 }
 
 TEST(Append, ToDocumentsOfEveryForm) {
@@ -82,7 +86,7 @@ TEST(Append, BehindWhatCannotBeRead) {
   };
   for (const std::string &old : {std::string("hello"), std::string(), page.substr(0, page.size() - 40),
                                  test::PagesOf({""}).Trailer("/Root 1 0 R /Encrypt 9 0 R").Build(),
-                                 numbered("2146435072 1"), numbered("-5 1")}) {
+                                 numbered("2146435072 1"), numbered("2147483647 1"), numbered("-5 1")}) {
     SCOPED_TRACE(old);
     for (const int32_t index : {-2, 0}) {
       const std::string added = Added(workspace, old, index);

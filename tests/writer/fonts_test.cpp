@@ -17,11 +17,20 @@ using test::InstallFont;
 // Glyphs 1 to 22.
 constexpr std::u16string_view kCharacters = u" ABCDEFabcdef|\u03B1\u03B2\u0416\u0429\u1EBF\u1EC7\u6C38\u6F22";
 
+// 101 by themselves, then 201 in pairs.
+std::u16string ManyCharacters() {
+  std::u16string all;
+  for (char16_t i = 0; i < 101; ++i) all += static_cast<char16_t>(0x3000 + 2 * i);
+  for (char16_t i = 0; i < 402; ++i) all += static_cast<char16_t>(0x4000 + i / 2 * 3 + i % 2);
+  return all;
+}
+
 // A font in a file of its own, one that varies, and one, the second, in a collection.
 class MadeFonts : public testing::Environment {
  public:
   void SetUp() override {
     InstallFont("made.ttf", BuildFont("KapdfMade", kCharacters));
+    InstallFont("many.ttf", BuildFont("KapdfMany", ManyCharacters()));
     InstallFont("varies.ttf", BuildFont("KapdfVaries", kCharacters, 0, true));
     const std::string head = "ttcf\0\1\0\0\0\0\0\2\0\0\0\x14"s;
     const std::string first = BuildFont("KapdfFirst", kCharacters, 20);
@@ -97,6 +106,19 @@ TEST(Fonts, ObjectsOfTextInUse) {
             "3 beginbfchar\n<0000> <003f>\n<0001> <0020>\n<0016> <6f22>\nendbfchar\n"
             "1 beginbfrange\n<0002> <0003> <0041>\nendbfrange\n"
             "endcmap CMapName currentdict /CMap defineresource pop end end");
+}
+
+TEST(Fonts, AMapOfManyRunsComesInBlocksOf100) {
+  const Workspace workspace;
+  Sheet sheet(workspace);
+  sheet.Start().Layer(u"A");
+  DefineFont(sheet, u"many", u"KapdfMany");
+  Write(sheet, u"many", ManyCharacters());
+  const std::string map = StreamAt(sheet.Finish(), "11 0 obj");
+  EXPECT_NE(map.find("\n100 beginbfchar\n<0001> <3000>\n"), std::string::npos) << map;
+  EXPECT_NE(map.find("<0064> <30c6>\nendbfchar\n1 beginbfchar\n<0065> <30c8>\nendbfchar\n100 beginbfrange\n<0066> "),
+            std::string::npos);
+  EXPECT_NE(map.find("<01f6> <01f7> <4258>\nendbfrange\nendcmap"), std::string::npos);
 }
 
 // The second face of a collection: its name alone makes it go along, and what goes is a font by itself.

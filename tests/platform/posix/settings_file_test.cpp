@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
@@ -44,6 +45,23 @@ TEST_F(SettingsFile, ChangesShowAtOnce) {
     Put("[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=" + std::to_string(10 + i));
     ASSERT_EQ(10 + i, key_.ReadInteger(u"A", 0));
   }
+}
+
+// A file that has been as it is for long is kept in memory.
+TEST_F(SettingsFile, ChangesOfAnOldFileShowToo) {
+  const auto put = [&](const std::filesystem::path &path, const char *value, int hoursAgo) {
+    test::WriteFile(path, "[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=" + std::string(value) + "\n");
+    std::filesystem::last_write_time(path, std::filesystem::file_time_type() + std::chrono::hours(hoursAgo));
+  };
+  put(path_, "10", 1);
+  ASSERT_EQ(10, key_.ReadInteger(u"A", 0));
+  put(path_, "11", 2);  // another time
+  EXPECT_EQ(11, key_.ReadInteger(u"A", 0));
+  put(path_, "120", 2);  // another size
+  EXPECT_EQ(120, key_.ReadInteger(u"A", 0));
+  put(folder_ / "new.ini", "130", 2);  // another file in its place
+  std::filesystem::rename(folder_ / "new.ini", path_);
+  EXPECT_EQ(130, key_.ReadInteger(u"A", 0));
 }
 
 TEST_F(SettingsFile, IsFoundInTheUsersFolders) {
