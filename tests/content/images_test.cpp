@@ -64,7 +64,7 @@ TEST(XObjects, AreFoundEnteredAndAnnounced) {
        // Forms: the state comes back, alphas are multiplied, and none draws itself. Those of the page have no solids.
        {"/F Do 0 0 m 9 9 l S", forms("50") + "\n" + line},
        {"/E gs /F Do", forms("25")},
-       {"1 Do 1 gs 1 cs 1 CS 1 d 1 BDC 1 Tf 0 0 m 9 9 l S BT 1 Tj 1 TJ 1 ' 1 \" ET",
+       {"0 J\n1 Do\n1 gs\n1 cs\n1 CS\n1 d\n1 BDC\n1 Tf\n0 0 m 9 9 l S BT 1 Tj 1 TJ 1 ' 1 \" ET",
         line},                                                        // numbers where names belong
        {"/Q Do 0 0 m 9 9 l S", "line 256 w2 0,0 9,9"},                // of what a form leaves open one state comes back
        {"50 Tz /B Do (A) Tj ET", "text 256 'A' 0,0 h0.714 w0.5 a0"},  // also in the text object that it left open

@@ -49,9 +49,10 @@ TEST_F(SettingsFile, ChangesShowAtOnce) {
 
 // A file that has been as it is for long is kept in memory.
 TEST_F(SettingsFile, ChangesOfAnOldFileShowToo) {
+  const auto now = std::filesystem::file_time_type::clock::now();
   const auto put = [&](const std::filesystem::path &path, const char *value, int hoursAgo) {
     test::WriteFile(path, "[Software\\Tessmark GmbH\\ZVIOFilter\\PDF]\nA=" + std::string(value) + "\n");
-    std::filesystem::last_write_time(path, std::filesystem::file_time_type() + std::chrono::hours(hoursAgo));
+    std::filesystem::last_write_time(path, now - std::chrono::hours(hoursAgo));
   };
   put(path_, "10", 1);
   ASSERT_EQ(10, key_.ReadInteger(u"A", 0));
