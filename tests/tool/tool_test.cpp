@@ -377,6 +377,18 @@ TEST(Tool, RastersBecomePictures) {
   // Ink 0 and 4 to 8, then 0 to 9.
   const std::string runs = "AgAAAAAAAAAAAAAABAAAAAgAAAA= AQAAAAAAAAAJAAAA ";
 
+  // By its key or, without one, by its name. A key that no raster has is none's, whatever the name.
+  const auto again = [](const std::string &key) {
+    return R"({"kind":"raster","image":"Im")" + key + R"(,"at":[1,2],"scaleX":1,"scaleY":1})" + "\n";
+  };
+  const std::string keyed = again(",\"imageKey\":9") +
+                            R"({"kind":"rasterHeader","image":"Im","pixelsWide":2,"pixelsHigh":1,"pixelType":1}
+{"kind":"rasterRow","data":"AQI="}
+)" + again(",\"imageKey\":8") +
+                            again("");
+  ASSERT_EQ(Kapdf({"export", "-", "-o", "keyed.log"}, keyed).status, 0);
+  EXPECT_EQ(taken("keyed.log"), "6 12 5 34=9 34=9 1 | AQI= ");
+
   // What is hidden is white. The raster that is no picture goes out as it is.
   const Ran back = Kapdf({"export", "rasters.jsonl", "-o", "rasters.log"});
   ASSERT_EQ(back.status, 0) << back.err;
