@@ -89,7 +89,7 @@ TEST(InlineImages, AreReadInEveryForm) {
   std::string letters;  // more codes than have nine bits
   for (int i = 0; i < 600; ++i) letters += static_cast<char>('a' + i * 7919 % 601 * i % 26);
   CZVMemoryFileFlat lzwBytes;
-  CZVLzw late(lzwBytes, 0, uint8_t{2});
+  CZVLzw late(lzwBytes, 0, CodecMode::kEncode);
   late.SetEarlyChange(false);
   late.Write(letters.data(), letters.size());
   ASSERT_TRUE(late.flush());
