@@ -308,6 +308,11 @@ typedef struct NamedPropertyPayload {
 
 #pragma pack(pop)
 
+/* A property of type 4 that extended reading puts ahead of a page's elements when there is something to tell: parts
+   divided by "; ", of them "warnings N", "encryption NAME BITS", "permissions N" (the bits of the file; nobody here
+   enforces them). */
+#define KAPDF_PROPERTY_SOURCE u"PDFSOURCE"
+
 /* Bytes of the value of the property "COORDSYS", which is binary: a `CoordinateSystemBlock`. */
 #define KAPDF_COORDSYS_BYTES 1720u
 #define KAPDF_COORDSYS_PARAMETERS 10

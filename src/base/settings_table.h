@@ -37,6 +37,7 @@ struct OptionWord {
     kSixDecimals,  // of a fraction
     kColorLetter,  // L, J and U for 0, 1 and 2
     kFaxGroup,     // 4 and 0 for 0 and 1
+    kWhenOn,       // kNumber; a string that is made here has no word for 0
     kWriteOnly,    // kNumber, from the dialogs; no open operation reads it
   };
 
@@ -115,6 +116,9 @@ inline constexpr Setting kRows[] = {
      "width of letters where the page tells none"},
     {"CodePage", kInteger, kPdf, 0, 0, 65535, kImport, FORM_CODE_PAGE, 0, kNoWord,
      "of text whose font implies none; 0: the system's"},
+    {"ExtendedReading", kSwitch, kPdf, 0, 0, 1, kImport, FORM_EXTENDED, 0, {"/ext", Spelling::kWhenOn},
+     "1: files are read as other readers read them, damaged and encrypted ones included"},
+    {"ReadAnnotations", kSwitch, kPdf, 1, 0, 1, kImport, 0, 0, kNoWord, "1: extended reading draws annotations"},
     {"Log", kSwitch, kFilterPdf, 0, 0, 1, kImport, FORM_LOG, 0, kNoWord, "1: the outside renderer writes its messages down"},
     {"WriteToTxt", kSwitch, kPdf, 0, 0, 1, kImport, FORM_WRITE_TO_TXT, 0, kNoWord,
      "1: page content is written to text files for diagnosis"},

@@ -39,6 +39,7 @@ class CPDFContentStream {
   PageBox clipBox;                      // points, after the matrix
   double opacity = 1.0;                 // product of the alphas of the drawing contexts
   CPDFContentStream *parent = nullptr;  // of a form: the context that draws it
+  size_t markedContent = 0;             // levels that were open when reading began
 };
 
 }  // namespace kapdf

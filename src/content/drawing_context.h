@@ -7,6 +7,7 @@
 #include "base/settings_table.h"
 #include "content/content_stream.h"
 #include "content/graphics_state.h"
+#include "content/reading_rules.h"
 
 namespace kapdf {
 
@@ -19,6 +20,7 @@ struct InterpreterSettings {
   double defaultTextWidth = DefaultOf<double>("DefaultTextW2H");  // width factor of text before the content tells one
   bool plainStatements =
       true;  // numbers before an operator are taken straight from the content; the result is the same
+  ReadingRules rules = kClassicReading;
 };
 
 // The content at hand, the state in force while it is read, and how the host wants it read.

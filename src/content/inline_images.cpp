@@ -1,4 +1,5 @@
 // The operator of inline images.
+#include <algorithm>
 #include <utility>
 
 #include "content/interpreter.h"
@@ -7,7 +8,8 @@
 namespace kapdf {
 namespace {
 
-constexpr size_t kData = 2;  // characters of "ID"
+constexpr size_t kData = 2;       // characters of "ID"
+constexpr size_t kEntries = 100;  // of an image's dictionary
 
 }  // namespace
 
@@ -38,10 +40,31 @@ bool Interpreter::ReadImageDictionary(InlineImageReader &image) {
   }
 }
 
+// All entries first: which parameters count is decided by the filters, wherever those stand.
+bool Interpreter::ReadLexedImage(InlineImageReader &image) {
+  StatementLexer &lexer = drawing_.content->statements.lexer();
+  std::vector<std::string> entries;
+  StatementLexer::ImagePiece piece;
+  do {
+    entries.emplace_back();
+    piece = lexer.NextImagePiece(entries.back());
+  } while (piece == StatementLexer::ImagePiece::kEntry && entries.size() < kEntries);
+  if (piece != StatementLexer::ImagePiece::kData) return false;
+  const auto isFilter = [](const std::string &entry) {
+    return entry.starts_with("/F ") || entry.starts_with("/Filter");
+  };
+  std::stable_partition(entries.begin(), entries.end(), isFilter);
+  for (std::string &entry : entries) {
+    if (!entry.empty()) image.TakeLexedKey(entry.data());
+  }
+  image.TakeLexedData();
+  return true;
+}
+
 Flow Interpreter::InlineImage(const Statement &) {
   rasters_.ForgetInline();
   InlineImageReader image(*drawing_.content);
-  if (!ReadImageDictionary(image)) return Flow::kNext;
+  if (!(drawing_.settings.rules.lexed ? ReadLexedImage(image) : ReadImageDictionary(image))) return Flow::kNext;
   auto finished = image.Finish(drawing_.state.ctm);
   return finished ? rasters_.DrawInline(std::move(finished)) : Flow::kNext;
 }

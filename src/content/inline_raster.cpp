@@ -184,19 +184,28 @@ void InlineImageReader::UseColorSpace(const ColorSpace &space) {
   }
 }
 
-// Parsed where it stands in the content, since strings in it may hold any byte. The family may be Indexed or, as inline
-// images abbreviate it, I. False leaves everything as it was.
-bool InlineImageReader::TakeColorSpaceArray(const char *value) {
-  const auto content = context_.bytes.content();
-  const size_t start = context_.statements.PositionOf(value);
-  if (start >= content.size() || content[start] != '[') return false;
-  MemorySource source(content.subspan(start));
+// The family may be Indexed or, as inline images abbreviate it, I. False leaves everything as it was.
+bool InlineImageReader::UseColorSpaceArray(CZVBaseIO &source) {
   CPDFArray array(source);
   ColorSpace space(context_.bytes.objects());
   if (array.Parse(255) != 0 || !space.Load(&array)) return false;
   color_ = Color::kIndexed;
   components_ = 1;
   palette_ = Copy(space.palette());
+  return true;
+}
+
+// Parsed where it stands in the content, since strings in it may hold any byte, unless they are hexadecimal.
+bool InlineImageReader::TakeColorSpaceArray(const char *value) {
+  if (lexed_) {
+    MemorySource source({reinterpret_cast<const uint8_t *>(value), std::strlen(value)});
+    return UseColorSpaceArray(source);
+  }
+  const auto content = context_.bytes.content();
+  const size_t start = context_.statements.PositionOf(value);
+  if (start >= content.size() || content[start] != '[') return false;
+  MemorySource source(content.subspan(start));
+  if (!UseColorSpaceArray(source)) return false;
   context_.SetPosition(start + static_cast<size_t>(source.Tell()) - (source.AtEnd() ? 0 : 1));
   return true;
 }
@@ -205,6 +214,11 @@ size_t InlineImageReader::RowBytes() const {
   const uint64_t bits =
       color_ == Color::kNone ? 1 : static_cast<uint64_t>(std::max(bitsPerComponent_, 1)) * components_;
   return static_cast<size_t>((static_cast<uint64_t>(std::max(width_, 0)) * bits + 7) / 8);
+}
+
+// Of unfiltered data.
+uint64_t InlineImageReader::DataBytes() const {
+  return static_cast<uint64_t>(RowBytes()) * static_cast<uint64_t>(std::max(height_, 0));
 }
 
 // The white space that "EI" follows. On a line that "ID" starts it is a line end, where one stands within the length of
@@ -226,13 +240,62 @@ size_t InlineImageReader::DataEnd(size_t from, bool onOwnLine, bool escaped) con
     }
   }
   none = std::min(none, from);
-  const uint64_t left = content.size() - from;
-  const uint64_t size = static_cast<uint64_t>(RowBytes()) * static_cast<uint64_t>(std::max(height_, 0));
+  const uint64_t left = content.size() - from, size = DataBytes();
   if (filters_ == 0 && size <= left && left - size >= 2 && content[from + size] == 'E' &&
       content[from + size + 1] == 'I') {
     return from + static_cast<size_t>(size);
   }
   return content.size();
+}
+
+void InlineImageReader::TakeLexedKey(char *text) {
+  lexed_ = true;
+  TakeKey(text);
+}
+
+// "EI" stands there, and what follows it looks like content and not like data.
+bool InlineImageReader::EndsImage(size_t at) const {
+  constexpr size_t kLookedAt = 12;
+  const auto content = context_.bytes.content();
+  if (at + 2 > content.size() || content[at] != 'E' || content[at + 1] != 'I') return false;
+  if (at + 2 < content.size() && !IsSpace(content[at + 2])) return false;
+  for (size_t i = at + 2; i < std::min(content.size(), at + 2 + kLookedAt); ++i) {
+    const uint8_t c = content[i];
+    if (c != 0 && ((c < ' ' && !IsSpace(c)) || c > 126)) return false;
+  }
+  return true;
+}
+
+// Unfiltered data end by their size where "EI" stands there, ASCII85 behind its mark, others at the first white space
+// with "EI" that content follows.
+size_t InlineImageReader::LexedDataEnd(size_t from) const {
+  const auto content = context_.bytes.content();
+  if (const uint64_t size = DataBytes(); filters_ == 0 && size <= content.size() - from) {
+    size_t at = from + static_cast<size_t>(size);
+    while (at < content.size() && IsSpace(content[at])) ++at;
+    if (EndsImage(at)) return from + static_cast<size_t>(size);
+  }
+  size_t at = from;
+  if ((filters_ & kAscii85) && !content.empty()) {
+    const std::string_view text(reinterpret_cast<const char *>(content.data()), content.size());
+    at = std::min(text.find("~>", from), content.size() - 1) + 1;  // at the bracket
+  }
+  for (; at + 2 < content.size(); ++at) {
+    if ((IsSpace(content[at]) || content[at] == '>') && EndsImage(at + 1)) return content[at] == '>' ? at + 1 : at;
+  }
+  return content.size();
+}
+
+// One white space stands between "ID" and the data.
+void InlineImageReader::TakeLexedData() {
+  const auto content = context_.bytes.content();
+  size_t from = context_.bytes.position;
+  if (from < content.size() && content[from] == '\r' && from + 1 < content.size() && content[from + 1] == '\n') ++from;
+  from = std::min(from + 1, content.size());
+  size_t end = LexedDataEnd(from);
+  data_.assign(content.begin() + static_cast<std::ptrdiff_t>(from), content.begin() + static_cast<std::ptrdiff_t>(end));
+  while (end < content.size() && IsSpace(content[end])) ++end;
+  context_.SetPosition(EndsImage(end) ? end + 2 : end);
 }
 
 // Data on the line of "ID" start one blank behind it. Of those behind the line all white space ahead is passed over,

@@ -34,6 +34,9 @@ class InlineImageReader {
   // The data behind an "ID" that ends at that position. `startsLine`: no key stands ahead of it on its line. Reading
   // goes on at the white space before "EI".
   void TakeData(size_t position, bool startsLine);
+  // The same in extended reading: an entry in the lexer's form, and the data after "ID", up to and with "EI".
+  void TakeLexedKey(char *text);
+  void TakeLexedData();
   // Null when the sides are out of bounds. Without a codec for the filters there is none in the image.
   std::unique_ptr<InlineRaster> Finish(const Affine &matrix);
 
@@ -48,13 +51,18 @@ class InlineImageReader {
   void TakeDecode(char *value);
   void TakeColorSpace(const char *text, std::string_view name);
   bool TakeColorSpaceArray(const char *value);
+  bool UseColorSpaceArray(CZVBaseIO &source);
   void UseColorSpace(const ColorSpace &space);
   size_t RowBytes() const;
+  uint64_t DataBytes() const;
+  bool EndsImage(size_t at) const;
+  size_t LexedDataEnd(size_t from) const;
   size_t DataEnd(size_t from, bool onOwnLine, bool escaped) const;
   bool MakeCodec(InlineRaster &image, uint32_t length, RowLayout &layout);
   bool ChooseLayout(InlineRaster &image, RowLayout &layout) const;
 
   CPDFContentStream &context_;
+  bool lexed_ = false;
   int32_t width_ = 0, height_ = 0, bitsPerComponent_ = 1;
   unsigned filters_ = 0;
   int32_t predictor_ = 1, colors_ = 1, predictorBits_ = 8, columns_ = 0, earlyChange_ = 1;

@@ -56,12 +56,17 @@ Flow Interpreter::RunStatements() {
 }
 
 Flow Interpreter::RunOne(bool &ended) {
+  const ReadingRules &rules = drawing_.settings.rules;
+  StatementReader &statements = drawing_.content->statements;
+  const bool inText = text_.active(), plain = drawing_.settings.plainStatements;
   Statement statement;
-  const bool inText = text_.active();
-  const ScanMode mode = inText ? ScanMode::kText : ScanMode::kGraphics;
-  ended = !drawing_.content->statements.Next(mode, !inText && drawing_.settings.plainStatements, statement);
+  if (rules.lexed)
+    ended = !statements.NextLexed(plain, statement);
+  else
+    ended = !statements.Next(inText ? ScanMode::kText : ScanMode::kGraphics, plain && !inText, statement);
   if (ended || !statement.row) return Flow::kNext;
-  const OperatorHandler handler = inText ? statement.row->inside : statement.row->outside;
+  OperatorHandler handler = inText ? statement.row->inside : statement.row->outside;
+  if (!handler && inText && rules.allOperatorsInText) handler = statement.row->outside;
   return handler ? handler(*this, statement) : Flow::kNext;
 }
 

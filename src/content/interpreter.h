@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "content/color_operators.h"
 #include "content/drawing_context.h"
@@ -56,6 +57,7 @@ class Interpreter {
   Flow StateParameters(const Statement &);
   Flow StateParametersInText(const Statement &);
   Flow BeginMarkedContent(const Statement &);
+  Flow BeginUnnamedContent(const Statement &);
   Flow EndMarkedContent(const Statement &);
   Flow InlineImage(const Statement &);
   Flow PaintXObject(const Statement &);
@@ -78,6 +80,9 @@ class Interpreter {
   Flow EnterForm(CPDFFormObject &form);
   bool LeaveForm();
   bool ReadImageDictionary(InlineImageReader &image);
+  bool ReadLexedImage(InlineImageReader &image);
+  void EnterMarkedContent();
+  void EndLayersOf(const CPDFContentStream &content);
 
   std::unique_ptr<FontCache> fonts_;
   std::unique_ptr<CPDFContentStream> page_;
@@ -88,6 +93,7 @@ class Interpreter {
   PathPainter paths_;
   TextShow text_;
   RasterDelivery rasters_;
+  std::vector<std::u16string> outerLayers_;  // of the marked content that is open, where it nests
   struct {
     uint32_t entered = 0;
     size_t content = 0;  // bytes of those

@@ -1,5 +1,6 @@
-// Optional content as layers of the host. There is one level: whatever ends puts elements back on the default layer.
+// Optional content as layers of the host.
 #include "base/ascii.h"
+#include "base/limits.h"
 #include "content/interpreter.h"
 
 namespace kapdf {
@@ -24,6 +25,7 @@ std::string_view LayerKey(const char *text) {
 
 // The host gets a layer's definition when something first goes to it, in the colour of strokes at that moment.
 Flow Interpreter::BeginMarkedContent(const Statement &statement) {
+  EnterMarkedContent();
   const std::string_view key = LayerKey(statement.text);
   if (key.empty()) return Flow::kNext;
   LayerUse *layer = drawing_.content->resources.FindLayer(key);
@@ -36,9 +38,32 @@ Flow Interpreter::BeginMarkedContent(const Statement &statement) {
   return Flow::kRecord;
 }
 
-Flow Interpreter::EndMarkedContent(const Statement &) {
-  sink_.layer = kDefaultLayer;
+Flow Interpreter::BeginUnnamedContent(const Statement &) {
+  EnterMarkedContent();
   return Flow::kNext;
+}
+
+void Interpreter::EnterMarkedContent() {
+  if (drawing_.settings.rules.nestedLayers && outerLayers_.size() < limits::kMarkedContent)
+    outerLayers_.push_back(sink_.layer);
+}
+
+// Where marked content does not nest, whatever ends puts elements back on the default layer.
+Flow Interpreter::EndMarkedContent(const Statement &) {
+  if (!drawing_.settings.rules.nestedLayers) {
+    sink_.layer = kDefaultLayer;
+  } else if (outerLayers_.size() > drawing_.content->markedContent) {
+    sink_.layer = std::move(outerLayers_.back());
+    outerLayers_.pop_back();
+  }
+  return Flow::kNext;
+}
+
+// A form closes what it left open.
+void Interpreter::EndLayersOf(const CPDFContentStream &content) {
+  if (outerLayers_.size() <= content.markedContent) return;
+  sink_.layer = std::move(outerLayers_[content.markedContent]);
+  outerLayers_.resize(content.markedContent);
 }
 
 }  // namespace kapdf

@@ -33,7 +33,7 @@ constexpr OperatorRow kOperators[] = {
     {"B*", 9, kNone, On<&P::FillStroke>, nullptr},
     {"BDC", 51, kText, On<&I::BeginMarkedContent>, nullptr},
     {"BI", 48, kText, On<&I::InlineImage>, nullptr},
-    {"BMC", 52, kText, nullptr, nullptr},
+    {"BMC", 52, kText, On<&I::BeginUnnamedContent>, nullptr},
     {"BT", 14, kText, On<&T::BeginText>, nullptr},
     {"BX", 1, kText, nullptr, nullptr},
     {"CS", 39, kText, On<&C::StrokeColorSpace>, On<&C::StrokeColorSpace>},

@@ -9,6 +9,7 @@
 #include "content/content_bytes.h"
 #include "content/scanner.h"
 #include "content/statement.h"
+#include "content/statement_lexer.h"
 
 namespace kapdf {
 
@@ -22,13 +23,18 @@ class StatementReader {
   static constexpr size_t kStatementBytes = 8192;  // with the zero
   using Buffer = std::array<char, kStatementBytes>;
 
-  explicit StatementReader(ContentBytes &bytes) : bytes_(bytes), buffer_(std::make_shared<Buffer>()) {}
+  explicit StatementReader(ContentBytes &bytes) : bytes_(bytes), lexer_(bytes), buffer_(std::make_shared<Buffer>()) {}
   // Shares the place for statements with another one of the same page.
-  StatementReader(ContentBytes &bytes, const StatementReader &page) : bytes_(bytes), buffer_(page.buffer_) {}
+  StatementReader(ContentBytes &bytes, const StatementReader &page)
+      : bytes_(bytes), lexer_(bytes), buffer_(page.buffer_) {}
 
   // The next statement, valid until the next call; false at the end of all content. `plain`: a run of plain numbers
   // before an operator that takes nothing else may be taken from where it stands; the result is the same.
   bool Next(ScanMode mode, bool plain, Statement &statement);
+
+  // The same in extended reading.
+  bool NextLexed(bool plain, Statement &statement) { return (plain && ReadPlain(statement)) || lexer_.Next(statement); }
+  StatementLexer &lexer() { return lexer_; }
 
   // The next text without looking for its operator, zero-terminated: what an operator left of its text, or the next
   // line. Null at the end of all content.
@@ -66,6 +72,7 @@ class StatementReader {
   void SkipWhiteSpace();
 
   ContentBytes &bytes_;
+  StatementLexer lexer_;
   std::shared_ptr<Buffer> buffer_;
   PlainStatement plain_;
   OperatorSearch search_;

@@ -5,17 +5,13 @@
 #include "content/interpreter.h"
 
 namespace kapdf {
-namespace {
-
-constexpr size_t kNameText = 29;
-
-}  // namespace
-
 // The context at hand comes first, then the page's own.
 Flow Interpreter::PaintXObject(const Statement &statement) {
   const char *slash = std::strchr(statement.text, '/');
   if (!slash) return Flow::kNext;
-  const std::string name(std::string_view(slash + 1).substr(0, std::strcspn(slash + 1, " ")).substr(0, kNameText));
+  const std::string name(std::string_view(slash + 1)
+                             .substr(0, std::strcspn(slash + 1, " "))
+                             .substr(0, drawing_.settings.rules.xObjectName));
   rasters_.ForgetAnnounced();
   for (CPDFContentStream *context = drawing_.content;; context = page_.get()) {
     CPDFXObject *found = context->resources.FindXObject(name);
@@ -51,6 +47,7 @@ Flow Interpreter::EnterForm(CPDFFormObject &form) {
   content.parent = drawing_.content;
   content.clipBox = drawing_.content->clipBox;
   content.opacity = drawing_.state.alpha * drawing_.content->opacity;
+  content.markedContent = outerLayers_.size();
   content.SetPosition(0);
   drawing_.content = &content;
   drawing_.state.alpha = 1.0;
@@ -61,6 +58,7 @@ Flow Interpreter::EnterForm(CPDFFormObject &form) {
 bool Interpreter::LeaveForm() {
   if (!drawing_.content->parent) return false;
   CPDFContentStream *around = drawing_.content->parent;
+  EndLayersOf(*drawing_.content);
   drawing_.content->SetPosition(0);
   drawing_.content->parent = nullptr;
   drawing_.content = around;

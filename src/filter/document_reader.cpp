@@ -14,13 +14,52 @@ bool AsksToStop(ProgressObject *progress, const Interpreter &interpreter) {
   return progress && progress->table->Report(progress, interpreter.Fraction()) != 0;
 }
 
+// What a host may show of the document: "warnings 2; encryption AES 256; permissions -1084".
+std::string Tell(const IntakeFacts &facts) {
+  std::string text;
+  if (facts.warnings > 0) text = "warnings " + std::to_string(facts.warnings);
+  if (facts.encryption.empty()) return text;
+  if (!text.empty()) text += "; ";
+  return text + "encryption " + facts.encryption + "; permissions " + std::to_string(facts.permissions);
+}
+
 }  // namespace
 
+uint32_t DocumentReader::Open(const ImportOptions &options, FileInfo &info) {
+  const platform::SettingsAt<SettingKey::kPdf> settings(registryPath_);
+  if (options.extended.value_or(settings.Integer("ExtendedReading")) != 0) return OpenIntake(options.password, info);
+  document_ = std::make_unique<CPDFFile>(stream_, registryPath_);
+  return document_->Open(info);
+}
+
+uint32_t DocumentReader::OpenIntake(std::u16string_view password, FileInfo &info) {
+  intake_ = std::make_unique<Intake>();
+  const uint32_t result = intake_->Open(stream_, platform::ToUtf8(password));
+  if (result != FilterOk) return result;
+  info.pageCount = intake_->pageCount();
+  SetFormatName(info);
+  return FilterOk;
+}
+
+// The page as a document of its own, in place of the file.
+bool DocumentReader::TakePage(int32_t index) {
+  const platform::SettingsAt<SettingKey::kPdf> settings(registryPath_);
+  ByteBuffer bytes;
+  if (!intake_->TakePage(index, settings.Switch("ReadAnnotations"), bytes)) return false;
+  document_ = std::make_unique<CPDFFile>(std::move(bytes), registryPath_);
+  FileInfo own{};
+  if (document_->Open(own) != FilterOk) return false;
+  const std::string facts = Tell(intake_->facts());
+  if (!facts.empty()) document_->properties().AddText(KAPDF_PROPERTY_SOURCE, facts);
+  return true;
+}
+
 uint32_t DocumentReader::OpenPage(int32_t index, const FilterSettings &settings, void *window) {
-  document_.SetParentWindow(window);
+  if (intake_ && !TakePage(index)) return FilterDamaged;
+  document_->SetParentWindow(window);
   PagePosition position;
-  if (!document_.GetPage(index, position)) return FilterDamaged;
-  auto page = SetupPage(document_, position);
+  if (!document_->GetPage(intake_ ? 0 : index, position)) return FilterDamaged;
+  auto page = SetupPage(*document_, position);
   if (!page) return FilterDamaged;
   const platform::SettingsAt<SettingKey::kPdf> pageSettings(registryPath_);
   InterpreterSettings how;
@@ -30,6 +69,7 @@ uint32_t DocumentReader::OpenPage(int32_t index, const FilterSettings &settings,
   how.codePage = pageSettings.Integer("CodePage");
   how.defaultTextWidth = pageSettings.Real("DefaultTextW2H");
   how.clipping = pageSettings.Switch("Clipping");
+  how.rules = intake_ ? kExtendedReading : kClassicReading;
   interpreter_ = std::make_unique<Interpreter>(std::move(*page), how);
   return FilterOk;
 }
@@ -38,7 +78,7 @@ uint32_t DocumentReader::Read(ElementRecord &record) {
   if (!interpreter_) return FilterNotOpen;
   if (record.kind == ElemRasterHeader) return ReadRasterHeader(record);
   if (record.kind == ElemRasterRows) return ReadRasterRow(record);
-  if (document_.properties().Next(record)) return FilterOk;  // the sink is not asked
+  if (document_->properties().Next(record)) return FilterOk;  // the sink is not asked
   const uint32_t result = interpreter_->InterpretNext(record);
   if (result == FilterOk && record.kind == ElemRasterPlacement) rasterAnnounced_ = true;
   return AsksToStop(record.progress, *interpreter_) ? FilterCancelled : result;

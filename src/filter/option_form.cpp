@@ -94,7 +94,8 @@ void OptionForm::Save() const {
 std::u16string OptionForm::Options() const {
   std::string text;
   for (size_t i = 0; i < rows_.size(); ++i) {
-    if (rows_[i]->option.text.empty()) continue;
+    const OptionWord &word = rows_[i]->option;
+    if (word.text.empty() || (word.spelling == OptionWord::Spelling::kWhenOn && Value(i) == 0)) continue;
     if (!text.empty()) text += ' ';
     text += OptionString::Composed(*rows_[i], Value(i));
   }

@@ -9,6 +9,7 @@ namespace kapdf {
 namespace {
 
 using Spelling = OptionWord::Spelling;
+constexpr std::u16string_view kPasswordWord = u"/pw ";
 
 std::string ToAscii(std::u16string_view text) {
   std::string ascii;
@@ -112,11 +113,22 @@ bool ParseExportOptions(std::u16string_view text, WriteSettings &settings) {
 }
 
 void ParseImportOptions(std::u16string_view text, ImportOptions &options) {
-  const OptionString given(text);
+  std::u16string_view before = text, behind;
+  if (const size_t word = text.find(kPasswordWord); word != text.npos) {
+    const std::u16string_view password = text.substr(word + kPasswordWord.size());
+    options.password = password.substr(0, password.find(u' '));
+    before = text.substr(0, word);
+    behind = password.substr(options.password.size());
+  }
+  const OptionString given(std::u16string(before).append(behind));
   given.Take(SettingNamed("AsImage"), options.asImage);
   given.Take(SettingNamed("DPI"), options.dpi);
   given.Take(SettingNamed("ColorDepth"), options.colorDepth);
   given.Take(SettingNamed("ExtractText"), options.extractText);
+  constexpr int32_t kUntold = -1;
+  int32_t extended = kUntold;
+  given.Take(SettingNamed("ExtendedReading"), extended);
+  if (extended != kUntold) options.extended = extended;
 }
 
 }  // namespace kapdf

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,9 @@ struct ImportOptions {
   int32_t colorDepth = DefaultOf<int32_t>("ColorDepth");
   int32_t extractText = DefaultOf<int32_t>("ExtractText");
   int32_t dither = DefaultOf<int32_t>("Dither");
+  // Of one open call: whether the file is read as other readers read it, where an option tells, and its password.
+  std::optional<int32_t> extended{};
+  std::u16string password{};
 };
 
 class OptionString {
@@ -40,7 +44,8 @@ class OptionString {
 // /bw that does not exist.
 bool ParseExportOptions(std::u16string_view text, WriteSettings &settings);
 
-// "/mode n /dpi n /col n /text n". A text that is not empty first sets the four to 0, 300, 3 and 0.
+// "/mode n /dpi n /col n /text n /ext n /pw TEXT". A text that is not empty first sets the first four to 0, 300, 3 and
+// 0. The password goes up to the next blank, and no other option is looked for in it.
 void ParseImportOptions(std::u16string_view text, ImportOptions &options);
 
 }  // namespace kapdf

@@ -10,13 +10,14 @@ uint32_t CPDFFilter::OpenDocument(const char16_t *path, FileInfo &info) {
   stream_ = platform::OpenFile(path ? path : u"", "rb", platform::Share::kRead);
   if (!stream_) return FilterCannotRead;
   reader_ = std::make_unique<DocumentReader>(stream_.get(), registryPath_);
-  return reader_->Open(info);
+  return reader_->Open(settings_.import, info);
 }
 
 uint32_t CPDFFilter::Identify(const char16_t *path, FileInfo *info) {
   uint32_t result = FilterDamaged;
   try {
     Close();
+    settings_.import.extended.reset();
     if (CountRenderedPages(path ? path : u"", *info, result)) return result;
     result = OpenDocument(path, *info);
   } catch (...) {
@@ -37,6 +38,8 @@ uint32_t CPDFFilter::OpenRead(const char16_t *path, FileInfo *info, ProgressObje
   try {
     Close();
     rendered_.Drop();
+    settings_.import.extended.reset();
+    settings_.import.password.clear();
     ParseImportOptions(options ? options : u"", settings_.import);
     if (settings_.import.asImage != 0 && CanRenderPages())
       result = rendered_.Open(path ? path : u"", *info, settings_.import,

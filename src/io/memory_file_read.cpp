@@ -32,6 +32,17 @@ bool CZVMemoryFileRead::Attach(std::FILE *stream) {
   return Seek(0, SeekOrigin::kStart);
 }
 
+void CZVMemoryFileRead::Attach(ByteBuffer bytes) {
+  Close();
+  memory_ = std::move(bytes);
+  length_ = static_cast<int64_t>(memory_.size());
+  blockBytes_ = std::max<size_t>(memory_.size(), 1);
+  blocks_.resize(1);
+  blocks_[0].bytes = memory_.data();
+  blocks_[0].size = memory_.size();
+  Seek(0, SeekOrigin::kStart);
+}
+
 bool CZVMemoryFileRead::LoadWindow(int64_t position) {
   cursor_ = windowEnd_ = nullptr;
   position_ = position;
@@ -40,14 +51,15 @@ bool CZVMemoryFileRead::LoadWindow(int64_t position) {
   const auto start = static_cast<int64_t>(index * blockBytes_);
   Block &block = blocks_[index];
   if (!block.bytes) {
-    block.bytes = std::make_unique_for_overwrite<uint8_t[]>(blockBytes_);
+    block.own = std::make_unique_for_overwrite<uint8_t[]>(blockBytes_);
+    block.bytes = block.own.get();
     const auto wanted = std::min<size_t>(blockBytes_, static_cast<size_t>(length_ - start));
-    if (platform::SeekFile(stream_, start, SEEK_SET)) block.size = std::fread(block.bytes.get(), 1, wanted, stream_);
+    if (platform::SeekFile(stream_, start, SEEK_SET)) block.size = std::fread(block.own.get(), 1, wanted, stream_);
   }
   const auto offset = static_cast<size_t>(position - start);
   if (offset >= block.size) return false;
-  cursor_ = block.bytes.get() + offset;
-  windowEnd_ = block.bytes.get() + block.size;
+  cursor_ = block.bytes + offset;
+  windowEnd_ = block.bytes + block.size;
   position_ = start + static_cast<int64_t>(block.size);
   return true;
 }

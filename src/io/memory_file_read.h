@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "base/byte_buffer.h"
 #include "io/base_io.h"
 #include "platform/file.h"
 
@@ -18,6 +19,8 @@ class CZVMemoryFileRead : public CZVBaseIO {
   bool Open(std::u16string_view path, const char *mode) override;
   // Reads from a stream that somebody else owns and keeps open.
   bool Attach(std::FILE *stream);
+  // Reads bytes that are in memory already.
+  void Attach(ByteBuffer bytes);
 
   size_t Read(void *buffer, size_t count) override;
   size_t Write(const void *, size_t) override { return 0; }
@@ -35,7 +38,8 @@ class CZVMemoryFileRead : public CZVBaseIO {
 
  private:
   struct Block {
-    std::unique_ptr<uint8_t[]> bytes;
+    std::unique_ptr<uint8_t[]> own;
+    const uint8_t *bytes = nullptr;  // null until they are read
     size_t size = 0;
   };
   void Close();
@@ -47,6 +51,7 @@ class CZVMemoryFileRead : public CZVBaseIO {
   int64_t length_ = 0;
   int64_t position_ = 0;  // of the window's end when there is a window, else the position itself
   std::vector<Block> blocks_;
+  ByteBuffer memory_;  // the one block of a source in memory
 };
 
 }  // namespace kapdf

@@ -3,7 +3,7 @@
 namespace kapdf {
 namespace {
 
-constexpr uint32_t kBinary = 32;
+constexpr uint32_t kText = 4, kBinary = 32;
 
 }  // namespace
 
@@ -16,6 +16,13 @@ void NamedPropertyQueue::Add(std::u16string_view name, std::span<const uint8_t> 
     item.value += u"0123456789ABCDEF"[byte & 15];
   }
   item.payload = {item.name.data(), kBinary, item.value.data()};
+}
+
+void NamedPropertyQueue::AddText(std::u16string_view name, std::string_view value) {
+  Item &item = items_.emplace_back();
+  item.name = name;
+  item.value.assign(value.begin(), value.end());
+  item.payload = {item.name.data(), kText, item.value.data()};
 }
 
 bool NamedPropertyQueue::Next(ElementRecord &record) {

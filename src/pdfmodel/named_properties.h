@@ -16,6 +16,8 @@ class NamedPropertyQueue {
  public:
   // A binary value, which goes out as hexadecimal text.
   void Add(std::u16string_view name, std::span<const uint8_t> value);
+  // A text of ASCII letters.
+  void AddText(std::u16string_view name, std::string_view value);
   // Fills kind and payload of the record with the next property; false, and the record is as it was, behind the last.
   bool Next(ElementRecord &record);
 

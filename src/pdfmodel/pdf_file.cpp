@@ -23,8 +23,13 @@ void SetFormatName(FileInfo &info) {
   std::memcpy(reinterpret_cast<char *>(&info) + offsetof(FileInfo, formatName), kName, sizeof kName);
 }
 
-CPDFFile::CPDFFile(std::FILE *stream, std::u16string_view registryPath) : CPDFBlockSource(registryPath) {
-  Attach(stream);
+CPDFFile::CPDFFile(std::FILE *stream, std::u16string_view registryPath) : CPDFFile(registryPath) { Attach(stream); }
+
+CPDFFile::CPDFFile(ByteBuffer bytes, std::u16string_view registryPath) : CPDFFile(registryPath) {
+  Attach(std::move(bytes));
+}
+
+CPDFFile::CPDFFile(std::u16string_view registryPath) : CPDFBlockSource(registryPath) {
   const platform::SettingsAt<SettingKey::kPdf> settings(registryPath);
   xref_ = std::make_unique<XRefReader>(*this, settings.Switch("WriteToTxt"));
   pageTree_ = std::make_unique<PDFPageTree>(*xref_);

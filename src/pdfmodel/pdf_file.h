@@ -22,6 +22,8 @@ class CPDFFile final : public CPDFBlockSource {
  public:
   // `stream` is borrowed and must stay open as long as this object lives.
   CPDFFile(std::FILE *stream, std::u16string_view registryPath);
+  // A document in memory.
+  CPDFFile(ByteBuffer bytes, std::u16string_view registryPath);
   ~CPDFFile() override;
 
   // Reads the cross-reference and walks the page tree; runs once. 0; 2, 5 for a file that cannot be read far enough or
@@ -43,6 +45,7 @@ class CPDFFile final : public CPDFBlockSource {
   void *parentWindow() const { return parentWindow_; }
 
  private:
+  explicit CPDFFile(std::u16string_view registryPath);
   uint32_t FindStartXRef(int32_t &position);
   uint32_t ReadSections();
   // Result of one classic section's trailer. `previous` becomes the next section's position, or 0.

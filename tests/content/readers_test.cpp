@@ -92,7 +92,7 @@ class RandomContent {
 TEST(StatementReaders, AgreeOnRandomContent) {
   const std::string entries = std::string(kLetter) + " /Resources <</ExtGState <</GS 100 0 R>>>>";
   size_t bytes = 0;
-  for (unsigned seed = 0; seed < 1000; ++seed) {
+  for (unsigned seed = 0; seed < 1500; ++seed) {
     RandomContent content(seed);
     const auto pieces = content.Cut(content.Make());
     const std::string page = PageBytes(pieces, entries, {"<</ca 0.5 /LW 3>>"});

@@ -66,5 +66,25 @@ TEST(ImportOptions, EachWordAndItsValues) {
   }
 }
 
+// The password ends at a blank, and no other option is found in it. Without an option the setting decides.
+TEST(ImportOptions, HowTheFileIsRead) {
+  const struct {
+    std::u16string_view text, password;
+    int32_t extended, dpi;
+  } cases[] = {{u"", u"", -1, 77},
+               {u"/ext 1", u"", 1, 300},
+               {u"/ext 0 /dpi 9", u"", 0, 9},
+               {u"/pw a/ext 1 /dpi 9", u"a/ext", -1, 9},
+               {u"/pw se\u00FCcret", u"se\u00FCcret", -1, 77},
+               {u"/dpi 9 /pw /dpi 8 /ext 1", u"/dpi", 1, 9}};
+  for (const auto &c : cases) {
+    ImportOptions o{1, 77, 7, 7};
+    ParseImportOptions(c.text, o);
+    EXPECT_EQ(o.password, c.password) << Ascii(c.text);
+    EXPECT_EQ(o.extended.value_or(-1), c.extended) << Ascii(c.text);
+    EXPECT_EQ(o.dpi, c.dpi) << Ascii(c.text);
+  }
+}
+
 }  // namespace
 }  // namespace kapdf

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <cstdlib>
 #include <set>
 
 #include "commands/commands.h"
@@ -40,6 +41,36 @@ std::string TellBox(const Box &box) {
   return text;
 }
 
+std::string Part(const std::string &source, const std::string &word) {
+  const size_t at = source.find(word + " ");
+  if (at == std::string::npos) return {};
+  const size_t from = at + word.size() + 1;
+  return source.substr(from, source.find(';', from) - from);
+}
+
+// The bits of ISO 32000-1, table 22.
+std::string TellPermissions(const std::string &number) {
+  static constexpr std::pair<int, const char *> kBits[] = {{1 << 2, "printing"},      {1 << 3, "changes"},
+                                                           {1 << 4, "copying"},       {1 << 5, "comments"},
+                                                           {1 << 8, "filling forms"}, {1 << 10, "taking pages"}};
+  const int bits = std::atoi(number.c_str());
+  std::string refused;
+  for (const auto &[bit, name] : kBits) {
+    if ((bits & bit) == 0) refused += (refused.empty() ? "no " : ", no ") + std::string(name);
+  }
+  return refused.empty() ? "everything" : refused;
+}
+
+// What is worth knowing of the file besides its pages; nothing of most files.
+std::string TellSource(const std::string &source) {
+  std::string text;
+  if (const std::string part = Part(source, "encryption"); !part.empty())
+    text += "encrypted  " + part + "; its maker allows: " + TellPermissions(Part(source, "permissions")) + "\n";
+  if (const std::string part = Part(source, "warnings"); !part.empty())
+    text += "warnings   " + part + "; the file is damaged or breaks rules, and was read all the same\n";
+  return text;
+}
+
 Outcome WritePreview(PageReader &reader, const InfoRequest &request, Progress &progress) {
   Output file;
   std::string bytes;
@@ -75,7 +106,7 @@ Outcome RunInfo(const Session &session, const InfoRequest &request) {
   Outcome read = reader.Read(request.page, "", progress, counter);
   progress.Clear();
   if (!read.ok()) return read;
-  out << "page " << request.page << "     " << counter.counts().Tell() << "\n"
+  out << TellSource(reader.source()) << "page " << request.page << "     " << counter.counts().Tell() << "\n"
       << "elements   " << TellBox(counter.box()) << "\n"
       << counter.system() << std::flush;
   if (!request.preview.empty()) {

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <fstream>
 
 #include "system/output.h"
 #include "system/progress.h"
@@ -31,6 +32,8 @@ Examples
       A page for each drawing, as PDF/A.
   kapdf export new.jsonl -o plans.pdf --append
       One page more; --replace 2 puts it in place of page 2.
+  kapdf info locked.pdf --password-file secret.txt
+      An encrypted file; without a password those are read that open without one.
   kapdf convert plan.pdf clean.pdf --all
       Import and export in one go, page by page.
   kapdf import map.pdf --all --set FitTolerance=0.01 -o map.jsonl
@@ -43,6 +46,8 @@ struct CommandLine {
   std::string library;
   std::vector<std::string> settings;
   bool quiet = false, pdfa = false;
+  Reading reading;
+  std::string passwordFile;
   InfoRequest info;
   ImportRequest import;
   ExportRequest exporting;
@@ -56,6 +61,16 @@ void AddCommon(CLI::App *command, CommandLine &line) {
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);
   command->add_flag("-q,--quiet", line.quiet, "No summary");
+}
+
+void AddReading(CLI::App *command, CommandLine &line) {
+  command->add_flag("--classic", line.reading.classic, "Read to the letter of old, not as other readers do");
+  CLI::Option *password =
+      command->add_option("--password", line.reading.password, "Of an encrypted file, the user's or the owner's");
+  password->type_name("TEXT");
+  command->add_option("--password-file", line.passwordFile, "The same as the first line of a file")
+      ->type_name("FILE")
+      ->excludes(password);
 }
 
 void AddTarget(CLI::App *command, Target &target, CommandLine &line) {
@@ -112,6 +127,7 @@ std::vector<CLI::App *> Declare(CLI::App &app, CommandLine &line) {
 
   std::vector<CLI::App *> commands{info, import, exporting, convert};
   for (CLI::App *command : commands) AddCommon(command, line);
+  for (CLI::App *command : {info, import, convert}) AddReading(command, line);
   return commands;
 }
 
@@ -132,7 +148,7 @@ Outcome ResolvePaths(CommandLine &line) {
   line.import.folder = AbsolutePath(".");
   for (std::string *path :
        {&line.info.file, &line.info.preview, &line.import.file, &line.import.output, &line.import.images,
-        &line.exporting.target.path, &line.convert.file, &line.convert.target.path}) {
+        &line.exporting.target.path, &line.convert.file, &line.convert.target.path, &line.passwordFile}) {
     if (!path->empty()) *path = AbsolutePath(*path);
   }
   line.exporting.folder = line.import.folder;
@@ -154,17 +170,33 @@ Outcome ResolvePaths(CommandLine &line) {
   return {};
 }
 
+// The module takes a password up to a blank.
+Outcome FindPassword(CommandLine &line) {
+  std::string &password = line.reading.password;
+  if (!line.passwordFile.empty()) {
+    std::ifstream file(PathOf(line.passwordFile));
+    if (!std::getline(file, password)) return Fail("cannot read a password from " + line.passwordFile);
+    if (!password.empty() && password.back() == '\r') password.pop_back();
+  }
+  if (password.find(' ') != std::string::npos) return Fail("a password with blanks in it cannot be used");
+  if (line.reading.classic && !password.empty()) return FailUsage("--classic takes no password");
+  return {};
+}
+
 Outcome Run(CommandLine &line, const std::vector<CLI::App *> &commands, const Streams &streams) {
   std::vector<SettingValue> values;
   std::vector<std::string> assignments = line.settings;
   if (line.pdfa) assignments.emplace_back("PDFA=1");
   // Coordinate systems and glyphs are to come through, unless somebody says otherwise.
   if (commands[3]->parsed()) assignments.insert(assignments.begin(), {"GeoTiff=1", "EmbedFonts=1"});
+  if (!commands[2]->parsed() && !line.reading.classic) assignments.insert(assignments.begin(), "ExtendedReading=1");
   for (const std::string &assignment : assignments) {
     if (Outcome parsed = ParseSetting(assignment, values); !parsed.ok()) return parsed;
   }
   if (Outcome resolved = ResolvePaths(line); !resolved.ok()) return resolved;
   const std::string modulePath = ModulePath(line);
+
+  if (Outcome found = FindPassword(line); !found.ok()) return found;
 
   const InterruptGuard guard;
   SettingsForRun settings;
@@ -172,7 +204,7 @@ Outcome Run(CommandLine &line, const std::vector<CLI::App *> &commands, const St
   Module module;
   if (Outcome loaded = module.Load(modulePath); !loaded.ok()) return loaded;
   const bool terminal = &streams.err == &std::cerr && ErrorStreamIsTerminal();
-  const Session session{module, settings.RegistryPath(), streams, terminal && !line.quiet, line.quiet};
+  const Session session{module, settings.RegistryPath(), streams, terminal && !line.quiet, line.quiet, line.reading};
   if (commands[0]->parsed()) return RunInfo(session, line.info);
   if (commands[1]->parsed()) return RunImport(session, line.import);
   if (commands[2]->parsed()) return RunExport(session, line.exporting);

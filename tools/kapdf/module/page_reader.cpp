@@ -1,5 +1,7 @@
 #include "module/page_reader.h"
 
+#include <cstring>
+
 #include "module/bitmap.h"
 #include "module/results.h"
 #include "records/kinds.h"
@@ -10,8 +12,41 @@ namespace kapdf::tool {
 
 Outcome PageReader::Open() {
   if (Outcome made = filter_.Create(session_.module.ReadingRow(), session_.registryPath); !made.ok()) return made;
-  const uint32_t result = filter_.table().Identify(filter_.get(), ToUtf16(file_).c_str(), &info_);
-  return result == FilterOk ? Outcome{} : Fail("cannot open " + file_ + ": " + OpenResult(result));
+  uint32_t result = filter_.table().Identify(filter_.get(), ToUtf16(file_).c_str(), &info_);
+  if (result == FilterEncrypted && !session_.reading.password.empty()) {  // which Identify cannot be told
+    info_.pageIndex = 0;
+    result = OpenPage(1, "", nullptr, info_);
+    filter_.table().Close(filter_.get());
+  }
+  return result == FilterOk ? Outcome{} : Fail("cannot open " + file_ + ": " + Reason(result));
+}
+
+// The password comes first, as it ends at a blank.
+uint32_t PageReader::OpenPage(int page, const std::string &options, ProgressObject *progress, FileInfo &info) {
+  info.pageIndex = page - 1;
+  FilterContext context{};
+  const std::string &password = session_.reading.password;
+  const std::u16string text =
+      ToUtf16(password.empty() ? options : "/pw " + password + (options.empty() ? "" : " ") + options);
+  return filter_.table().OpenRead(filter_.get(), ToUtf16(file_).c_str(), &info, progress,
+                                  text.empty() ? nullptr : text.c_str(), &context, nullptr);
+}
+
+std::string PageReader::Reason(uint32_t result) const {
+  const std::string reason = OpenResult(result);
+  if (result != FilterEncrypted || session_.reading.classic) return reason;
+  if (session_.reading.password.empty()) return reason + "; give its password with --password or --password-file";
+  return reason + ", and the password does not open it";
+}
+
+// Not a property of the drawing, but of the file it comes from.
+bool PageReader::TakeSource(const ElementRecord &record) {
+  if (record.kind != ElemNamedProperty) return false;
+  NamedPropertyPayload property;
+  std::memcpy(&property, record.payload, sizeof property);
+  if (std::u16string_view(property.name) != KAPDF_PROPERTY_SOURCE) return false;
+  source_ = ToUtf8(property.value);
+  return true;
 }
 
 std::u16string PageReader::FormatName() const {
@@ -25,13 +60,9 @@ std::u16string PageReader::FormatName() const {
 
 Outcome PageReader::Read(int page, const std::string &options, Progress &progress, RecordSink &sink) {
   FileInfo info{};
-  info.pageIndex = page - 1;
-  FilterContext context{};
-  const std::u16string optionText = ToUtf16(options);
-  const uint32_t result = filter_.table().OpenRead(filter_.get(), ToUtf16(file_).c_str(), &info, progress.object(),
-                                                   options.empty() ? nullptr : optionText.c_str(), &context, nullptr);
+  const uint32_t result = OpenPage(page, options, progress.object(), info);
   if (result != FilterOk) {
-    return Fail("cannot open page " + std::to_string(page) + " of " + file_ + ": " + OpenResult(result));
+    return Fail("cannot open page " + std::to_string(page) + " of " + file_ + ": " + Reason(result));
   }
   Outcome outcome = sink.BeginPage(page, info.pageCount);
   if (outcome.ok()) outcome = ReadRecords(progress, sink);
@@ -59,6 +90,7 @@ Outcome PageReader::ReadRecords(Progress &progress, RecordSink &sink) {
     if (result == FilterCancelled) return Interrupted();
     if (result != FilterOk) return Fail("the page of " + file_ + " cannot be read on: " + ElementResult(result));
     for (const ElementRecord *item = &record; item != nullptr; item = item->next) {
+      if (TakeSource(*item)) continue;
       if (FindKind(item->kind) == nullptr) {
         ++unknown_;
         continue;

@@ -35,6 +35,8 @@ class PageReader {
   int pages() const { return info_.pageCount; }
   // "Adobe PDF ", as the module calls the form.
   std::u16string FormatName() const;
+  // What the module says of the file itself, as in KAPDF_PROPERTY_SOURCE; known once a page was read.
+  const std::string &source() const { return source_; }
   // From 1. Records of unknown kinds and rasters that cannot be had are counted, not passed on.
   Outcome Read(int page, const std::string &options, Progress &progress, RecordSink &sink);
 
@@ -45,6 +47,9 @@ class PageReader {
   uint64_t missingRasters() const { return missingRasters_; }
 
  private:
+  uint32_t OpenPage(int page, const std::string &options, ProgressObject *progress, FileInfo &info);
+  std::string Reason(uint32_t result) const;
+  bool TakeSource(const ElementRecord &record);
   Outcome ReadRecords(Progress &progress, RecordSink &sink);
   Outcome ReadRaster(const ElementRecord &placement, Progress &progress, RecordSink &sink);
 
@@ -52,6 +57,7 @@ class PageReader {
   std::string file_;
   Filter filter_;
   FileInfo info_{};
+  std::string source_;
   uint64_t unknown_ = 0, missingRasters_ = 0;
 };
 

@@ -14,6 +14,12 @@ struct Streams {
   std::ostream &err;
 };
 
+// How PDF files are read.
+struct Reading {
+  bool classic = false;  // to the letter of old, instead of as other readers do
+  std::string password;  // UTF-8; empty for none
+};
+
 // What the commands share.
 struct Session {
   const Module &module;
@@ -21,6 +27,7 @@ struct Session {
   Streams streams;
   bool showProgress;
   bool quiet;
+  Reading reading{};
 };
 
 }  // namespace kapdf::tool
