@@ -28,10 +28,10 @@ int main(int argc, char **argv) {
     return 2;
   }
   constexpr std::pair<const char *, void (*)(SeedFolder &)> kTargets[] = {
-      {"import", AddDocuments},   {"append", AddDocuments}, {"objects", AddObjects}, {"content", AddContents},
-      {"export", AddDrawings},    {"codecs", AddCodecs},    {"images", AddImages},   {"ccitt", AddFaxes},
-      {"raster", AddRasters},     {"cmap", AddCMaps},       {"font", AddFonts},      {"subset", AddSubsets},
-      {"recognition", AddCurves}, {"bombs", AddBombs}};
+      {"import", AddDocuments},   {"append", AddDocuments}, {"objects", AddObjects},   {"content", AddContents},
+      {"export", AddDrawings},    {"codecs", AddCodecs},    {"images", AddImages},     {"ccitt", AddFaxes},
+      {"raster", AddRasters},     {"cmap", AddCMaps},       {"font", AddFonts},        {"subset", AddSubsets},
+      {"recognition", AddCurves}, {"bombs", AddBombs},      {"extended", AddDocuments}};
   for (const auto &[target, add] : kTargets) {
     SeedFolder folder(argv[1], target);
     add(folder);

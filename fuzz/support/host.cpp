@@ -191,23 +191,23 @@ void Require(bool condition, const char *text) {
   std::abort();
 }
 
-uint32_t ImportPages(const char16_t *path, int most) {
+uint32_t ImportPages(const char16_t *path, int most, const char16_t *options) {
   const FilterPointer filter(new CPDFFilter(kSettingsPath));
   FileInfo info{};
-  const uint32_t first = filter->OpenRead(path, &info, nullptr, nullptr, nullptr, nullptr);
+  const uint32_t first = filter->OpenRead(path, &info, nullptr, options, nullptr, nullptr);
   uint32_t result = first;
   for (;;) {
     if (result == FilterOk) TakePage(*filter);
     if (++info.pageIndex >= info.pageCount || info.pageIndex >= most) break;
-    result = filter->OpenRead(path, &info, nullptr, nullptr, nullptr, nullptr);
+    result = filter->OpenRead(path, &info, nullptr, options, nullptr, nullptr);
   }
   return first;
 }
 
-uint32_t ImportBytes(std::string_view bytes) {
+uint32_t ImportBytes(std::string_view bytes, const char16_t *options) {
   const test::TempFile file(bytes);
   const size_t pages = (size_t{256} << 10) / std::max<size_t>(bytes.size(), 1);
-  return ImportPages(file.path16().c_str(), static_cast<int>(std::clamp<size_t>(pages, 1, 20)));
+  return ImportPages(file.path16().c_str(), static_cast<int>(std::clamp<size_t>(pages, 1, 20)), options);
 }
 
 }  // namespace kapdf::fuzz
