@@ -1,6 +1,7 @@
 // The two exports, the table of filter rows, and the start and end of the module.
 #include <new>
 
+#include "base/catch_all.h"
 #include "filter/filter.h"
 #include "platform/module.h"
 #include "renderer/renderer.h"
@@ -9,11 +10,9 @@ namespace {
 
 // One class reads and writes.
 FilterObject *Create(const char16_t *registryPath) {
-  try {
+  return kapdf::CatchAll(nullptr, [&] {
     return reinterpret_cast<FilterObject *>(static_cast<kapdf::CZVFilter *>(new kapdf::CPDFFilter(registryPath)));
-  } catch (...) {
-    return nullptr;
-  }
+  });
 }
 
 // One each, since hosts may tell the rows by them.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "base/catch_all.h"
 #include "filter/document_reader.h"
 #include "filter/option_form.h"
 #include "platform/narrow_path.h"
@@ -56,11 +57,11 @@ void CPDFFilter::Destroy(uint32_t deleteFlag) {
 }
 
 uint32_t CPDFFilter::Close() {
-  try {
-    reader_.reset();
+  reader_.reset();
+  CatchAll(false, [&] {  // a full memory leaves the file as far as it got
     if (writer_ && stream_) writer_->Finish();
-  } catch (...) {  // a full memory leaves the file as far as it got
-  }
+    return true;
+  });
   writer_.reset();
   stream_.reset();
   return FilterOk;
@@ -69,7 +70,7 @@ uint32_t CPDFFilter::Close() {
 // The next document is opened with what the person chose, whether the host hands the string on or not.
 uint32_t CPDFFilter::ShowOptions(int32_t which, void *parent, void *options) {
   if (which != KAPDF_OPTIONS_IMPORT && which != KAPDF_OPTIONS_EXPORT) return FilterNotAvailable;
-  try {
+  return CatchAll(FilterNotAvailable, [&]() -> uint32_t {
     auto *const units = static_cast<char16_t *>(options);
     const std::u16string given(units, units ? std::find(units, units + KAPDF_OPTION_UNITS, u'\0') : units);
     OptionForm form(which == KAPDF_OPTIONS_IMPORT ? OptionForm::Direction::kImport : OptionForm::Direction::kExport,
@@ -81,44 +82,36 @@ uint32_t CPDFFilter::ShowOptions(int32_t which, void *parent, void *options) {
     ReadSettings();
     if (units) units[form.Options().copy(units, KAPDF_OPTION_UNITS - 1)] = 0;
     return FilterOk;
-  } catch (...) {  // memory
-    return FilterNotAvailable;
-  }
+  });
 }
 
 void *CPDFFilter::GetPreview(const char16_t *path, ProgressObject *progress) {
   if (RendererIsBusy()) return nullptr;
-  try {
+  return CatchAll(nullptr, [&]() -> void * {
     if (CanPreview()) {
       previewBitmap_.reset();
       previewBitmap_ = MakePreview(platform::ToNarrowPath(path ? path : u""), progress);
     }
-  } catch (...) {
-    return nullptr;
-  }
-  return previewBitmap_.get();
+    return previewBitmap_.get();
+  });
 }
 
 // The number is kept whatever it is, so that the sections stay balanced.
 uint32_t CPDFFilter::BeginSection(int32_t section, uintptr_t a, uintptr_t b) {
   if (FilterObject *sub = rendered_.subFilter()) return sub->table->BeginSection(sub, section, a, b);
-  try {
+  return CatchAll(FilterNotAvailable, [&]() -> uint32_t {
     sections_.Begin(section);
-  } catch (...) {
-    return FilterNotAvailable;
-  }
-  return section < 2 || section == 7 || section > 8 ? FilterNotAvailable : FilterOk;
+    return section < 2 || section == 7 || section > 8 ? FilterNotAvailable : FilterOk;
+  });
 }
 
 uint32_t CPDFFilter::EndSection(int32_t section, uintptr_t a, uintptr_t b) {
   if (FilterObject *sub = rendered_.subFilter()) return sub->table->EndSection(sub, section, a, b);
   sections_.End();
-  try {
+  return CatchAll(FilterNotAvailable, [&]() -> uint32_t {
     if (writer_) writer_->EndSection(section);
-  } catch (...) {
-    return FilterNotAvailable;
-  }
-  return FilterOk;
+    return FilterOk;
+  });
 }
 
 }  // namespace kapdf

@@ -1,4 +1,5 @@
 // Reading: the open operations and the driver of the import.
+#include "base/catch_all.h"
 #include "filter/document_reader.h"
 #include "filter/filter.h"
 #include "platform/message.h"
@@ -14,15 +15,12 @@ uint32_t CPDFFilter::OpenDocument(const char16_t *path, FileInfo &info) {
 }
 
 uint32_t CPDFFilter::Identify(const char16_t *path, FileInfo *info) {
-  uint32_t result = FilterDamaged;
-  try {
+  const uint32_t result = CatchAll(FilterDamaged, [&] {
     Close();
     settings_.import.extended.reset();
-    if (CountRenderedPages(path ? path : u"", *info, result)) return result;
-    result = OpenDocument(path, *info);
-  } catch (...) {
-    result = FilterDamaged;
-  }
+    uint32_t counted;
+    return CountRenderedPages(path ? path : u"", *info, counted) ? counted : OpenDocument(path, *info);
+  });
   Close();
   return result;
 }
@@ -34,21 +32,16 @@ uint32_t CPDFFilter::OpenInterpretedPage(const char16_t *path, FileInfo &info, F
 
 uint32_t CPDFFilter::OpenRead(const char16_t *path, FileInfo *info, ProgressObject *progress, const char16_t *options,
                               FilterContext *context, FilterCreateFunction create) {
-  uint32_t result = FilterDamaged;
-  try {
+  const uint32_t result = CatchAll(FilterDamaged, [&] {
     Close();
     rendered_.Drop();
     settings_.import.extended.reset();
     settings_.import.password.clear();
     ParseImportOptions(options ? options : u"", settings_.import);
-    if (settings_.import.asImage != 0 && CanRenderPages())
-      result = rendered_.Open(path ? path : u"", *info, settings_.import,
-                              {progress, options, context, create, GivenRegistryPath()});
-    else
-      result = OpenInterpretedPage(path, *info, context);
-  } catch (...) {
-    result = FilterDamaged;
-  }
+    if (settings_.import.asImage == 0 || !CanRenderPages()) return OpenInterpretedPage(path, *info, context);
+    return rendered_.Open(path ? path : u"", *info, settings_.import,
+                          {progress, options, context, create, GivenRegistryPath()});
+  });
   if (result != FilterOk) {
     rendered_.Drop();
     reader_.reset();
@@ -58,14 +51,13 @@ uint32_t CPDFFilter::OpenRead(const char16_t *path, FileInfo *info, ProgressObje
 }
 
 uint32_t CPDFFilter::ReadElement(ElementRecord *record) {
-  uint32_t result = FilterEndOfElements;
-  try {
+  // When memory is out, the page, or the raster, ends here.
+  const bool raster = record->kind == ElemRasterHeader || record->kind == ElemRasterRows;
+  return CatchAll(raster ? FilterNotAvailable : FilterEndOfElements, [&]() -> uint32_t {
+    uint32_t result = FilterEndOfElements;
     if (rendered_.Read(*record, result)) return result;
     return reader_ ? reader_->Read(*record) : FilterNotOpen;
-  } catch (...) {  // memory is out: the page, or the raster, ends here
-    const bool raster = record->kind == ElemRasterHeader || record->kind == ElemRasterRows;
-    return raster ? FilterNotAvailable : FilterEndOfElements;
-  }
+  });
 }
 
 }  // namespace kapdf

@@ -1,4 +1,5 @@
 // Writing: the output, and its document.
+#include "base/catch_all.h"
 #include "filter/filter.h"
 #include "platform/environment.h"
 #include "platform/settings.h"
@@ -44,15 +45,12 @@ uint32_t CPDFFilter::StartWriter(const char16_t *path, FileInfo &info) {
 
 // A writer whose start did not run is never finished; the file stays as it was opened.
 uint32_t CPDFFilter::OpenWrite(const char16_t *path, FileInfo *info, ProgressObject *, const char16_t *options) {
-  uint32_t result = FilterCannotWrite;
-  try {
+  const uint32_t result = CatchAll(FilterCannotWrite, [&] {
     Close();
     rendered_.Drop();  // sections go to a sub-filter as long as there is one
     if (options) optionString_ = options;
-    result = StartWriter(path, *info);
-  } catch (...) {
-    result = FilterCannotWrite;
-  }
+    return StartWriter(path, *info);
+  });
   if (result != FilterOk) {
     writer_.reset();
     stream_.reset();
@@ -62,11 +60,7 @@ uint32_t CPDFFilter::OpenWrite(const char16_t *path, FileInfo *info, ProgressObj
 
 uint32_t CPDFFilter::WriteElement(ElementRecord *record) {
   if (!writer_) return FilterNotOpen;
-  try {
-    return writer_->WriteElement(*record, sections_);
-  } catch (...) {
-    return FilterNotAvailable;
-  }
+  return CatchAll(FilterNotAvailable, [&] { return writer_->WriteElement(*record, sections_); });
 }
 
 }  // namespace kapdf

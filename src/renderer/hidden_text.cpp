@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/bytes.h"
+#include "base/catch_all.h"
 
 namespace kapdf {
 namespace {
@@ -34,13 +35,13 @@ int HiddenTextCallback(int type, void *, const void *styleBlock, const void *run
   if (type != kTextPiece || !styleBlock || !runBlock) return 0;
   const auto *style = static_cast<const uint8_t *>(styleBlock) + kStyleAt;
   auto &[styles, runs] = collected;
-  try {
+  const bool kept = CatchAll(false, [&] {
     styles.push_back(
         {Finite(style + kHeightAt), LoadAs<uint64_t>(style + kStyleValueAt), LoadAs<uint32_t>(style + kColorAt)});
     runs.push_back(RunFrom(static_cast<const uint8_t *>(runBlock)));
-  } catch (...) {  // memory is out, and the renderer must not see that: the piece is missing
-    styles.resize(runs.size());
-  }
+    return true;
+  });
+  if (!kept) styles.resize(runs.size());  // the renderer must not see that: the piece is missing
   return 0;
 }
 

@@ -8,6 +8,7 @@
 #include <cwchar>
 #include <vector>
 
+#include "base/catch_all.h"
 #include "base/form_controls.h"
 #include "platform/win32/instance.h"
 #include "platform/win32/wide.h"
@@ -48,12 +49,13 @@ class Form {
 
  private:
   static INT_PTR CALLBACK Handle(HWND dialog, UINT message, WPARAM a, LPARAM b) {
-    try {
-      return Answer(dialog, message, a, b);
-    } catch (...) {  // memory; the system's frames lie above
-      EndDialog(dialog, -1);
-      return TRUE;
-    }
+    INT_PTR answer = TRUE;
+    const bool answered = CatchAll(false, [&] {  // the system's frames lie above
+      answer = Answer(dialog, message, a, b);
+      return true;
+    });
+    if (!answered) EndDialog(dialog, -1);
+    return answer;
   }
 
   static INT_PTR Answer(HWND dialog, UINT message, WPARAM a, LPARAM b) {
