@@ -25,9 +25,9 @@ void ParseSequence(std::span<const uint8_t> bytes) {
 void ParseIntroduced(std::span<const uint8_t> bytes) {
   MemorySource source(bytes);
   CPDFObjectIntro intro(source);
-  if (intro.Parse(255) != 0) return;
+  if (!intro.Parse(255)) return;
   CPDFDictionary dictionary(source);
-  if (dictionary.Parse(intro.lastChar) != 0) return;
+  if (!dictionary.Parse(intro.lastChar)) return;
   fuzz::Require(dictionary.Sorted().size() == dictionary.Count(), "count of entries");
   for (const CPDFDictionary::Entry *entry : dictionary.Sorted()) {
     fuzz::Require(dictionary.Get(entry->name) == entry->value.get(), "an entry is found by its name");

@@ -76,7 +76,7 @@ bool ContentBytes::LoadArrayInPlace(int32_t objectNumber) {
   uint8_t firstChar;
   if (ownContents_ || !OpenObject(objects_, objectNumber, firstChar)) return false;
   auto list = std::make_unique<CPDFArray>(objects_.source());
-  if (list->Parse(firstChar) != 0) return false;
+  if (!list->Parse(firstChar)) return false;
   ownContents_ = std::move(list);
   contents_ = ownContents_.get();
   streamCount_ = contents_->Count();
@@ -91,7 +91,7 @@ bool ContentBytes::ReadStream(int32_t objectNumber, uint32_t index) {
   uint8_t firstChar;
   if (!OpenObject(objects_, objectNumber, firstChar)) return false;
   CPDFStream stream(objects_);
-  if (stream.Parse(firstChar) != 0 || !stream.ReadAll(buffer_)) return false;
+  if (!stream.Parse(firstChar) || !stream.ReadAll(buffer_)) return false;
   decoded_ += buffer_.size();
   if (decoded_ > limits::kPageContent) return false;  // a stream that is listed again and again ends the page
   length_ = buffer_.size();

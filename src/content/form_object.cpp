@@ -11,7 +11,7 @@ bool CPDFFormObject::Load(const CPDFContentStream &page) {
   if (!OpenObject(objects_, objectNumber_, firstChar)) return false;
   CPDFStream stream(objects_);
   ByteBuffer bytes;
-  if (stream.Parse(firstChar) != 0 || !stream.ReadAll(bytes)) return false;
+  if (!stream.Parse(firstChar) || !stream.ReadAll(bytes)) return false;
   std::unique_ptr<CPDFDictionary> dictionary = stream.TakeDictionary();
   if (const auto *values = dictionary->GetAs<CPDFArray>("Matrix")) {
     double *const cells[] = {&matrix_.a, &matrix_.b, &matrix_.c, &matrix_.d, &matrix_.e, &matrix_.f};

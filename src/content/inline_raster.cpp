@@ -188,7 +188,7 @@ void InlineImageReader::UseColorSpace(const ColorSpace &space) {
 bool InlineImageReader::UseColorSpaceArray(CZVBaseIO &source) {
   CPDFArray array(source);
   ColorSpace space(context_.bytes.objects());
-  if (array.Parse(255) != 0 || !space.Load(&array)) return false;
+  if (!array.Parse(255) || !space.Load(&array)) return false;
   color_ = Color::kIndexed;
   components_ = 1;
   palette_ = Copy(space.palette());

@@ -89,7 +89,7 @@ std::optional<PageToRead> SetupPage(CPDFFile &document, const PagePosition &posi
   uint8_t firstChar;
   if (!OpenObject(document.objects(), position.objectNumber, firstChar)) return std::nullopt;
   auto dictionary = std::make_unique<CPDFDictionary>(document);
-  if (dictionary->Parse(firstChar) != 0) return std::nullopt;
+  if (!dictionary->Parse(firstChar)) return std::nullopt;
   double rotate = position.rotate;
   PageBox box = position.box;
   if (const auto *angle = dictionary->GetAs<CPDFNumeric>("Rotate"); angle && std::isfinite(angle->realValue)) {

@@ -32,7 +32,7 @@ bool FontLoader::ReadStream(const CPDFIndirectObject &reference, ByteBuffer &byt
   uint8_t firstChar;
   if (streamBytes_ <= 0 || !OpenObject(objects_, reference.objectNumber, firstChar)) return false;
   CPDFStream stream(objects_);
-  if (stream.Parse(firstChar) != 0 || !stream.ReadAll(bytes)) return false;
+  if (!stream.Parse(firstChar) || !stream.ReadAll(bytes)) return false;
   streamBytes_ -= static_cast<int64_t>(bytes.size());
   return true;
 }

@@ -53,59 +53,59 @@ std::unique_ptr<CPDFObject> ParseAny(CZVBaseIO &source, uint8_t &byte, int depth
   std::unique_ptr<CPDFObject> object = MakeObject(source, first, depth + 1);
   if (!object) return nullptr;
   const int64_t position = first == '<' ? source.Tell() : 0;
-  if (object->Parse(first) != 0) {
+  if (!object->Parse(first)) {
     byte = object->lastChar;
     if (first != '<' || !source.Seek(position, SeekOrigin::kStart)) return nullptr;
     object = std::make_unique<CPDFString>(source);  // what is no dictionary may be a hexadecimal string
-    if (object->Parse(first) != 0) return nullptr;
+    if (!object->Parse(first)) return nullptr;
   }
   byte = object->lastChar;
   return object;
 }
 
-int CPDFArray::Parse(uint8_t firstChar) {
+bool CPDFArray::Parse(uint8_t firstChar) {
   items_.clear();
   if (depth_ == 0) source_->StartItems();
   uint8_t c = FirstByte(firstChar);
   if (IsDigit(c)) {
     if (auto item = ParseAny(*source_, c, depth_)) items_.push_back(std::move(item));
     lastChar = c;
-    return items_.empty() ? 1 : 0;
+    return !items_.empty();
   }
-  if (c != '[') return 1;
+  if (c != '[') return false;
   c = source_->GetByte();
   while (auto item = ParseAny(*source_, c, depth_)) {
     items_.push_back(std::move(item));
     if (c == ']') break;
   }
   lastChar = c;
-  return c == ']' ? SkipRest() : 1;
+  return c == ']' && SkipRest();
 }
 
-int CPDFArray::SkipRest() {
+bool CPDFArray::SkipRest() {
   while (lastChar != ']' && !source_->AtEnd()) lastChar = source_->GetByte();
   SkipSpace();
-  return 0;
+  return true;
 }
 
-int CPDFDictionary::Parse(uint8_t firstChar) {
+bool CPDFDictionary::Parse(uint8_t firstChar) {
   entries_.clear();
   byName_.clear();
   if (depth_ == 0) source_->StartItems();
   uint8_t c = FirstByte(firstChar);
-  if (c == '[') return 1;
+  if (c == '[') return false;
   for (int64_t passed = 0; c != '<' && c != 255 && passed < limits::kDictionarySearch && source_->PassOver();
        ++passed) {
     c = source_->GetByte();
   }
   lastChar = c;
-  if (c != '<') return 1;
+  if (c != '<') return false;
   lastChar = source_->GetByte();
-  if (lastChar != '<') return 1;
+  if (lastChar != '<') return false;
   lastChar = 255;
   ParseEntries();
   SkipRest();
-  return 0;
+  return true;
 }
 
 void CPDFDictionary::ParseEntries() {
@@ -117,7 +117,7 @@ void CPDFDictionary::ParseEntries() {
       c = lastChar = SkipComment(*source_);
       if (!entries_.empty()) break;
     }
-    if (key.Parse(c) != 0) {
+    if (!key.Parse(c)) {
       lastChar = key.lastChar;
       return;
     }
@@ -130,15 +130,15 @@ void CPDFDictionary::ParseEntries() {
   }
 }
 
-int CPDFDictionary::SkipRest() {
+bool CPDFDictionary::SkipRest() {
   for (int64_t passed = 0; lastChar != '>'; ++passed) {
-    if (source_->AtEnd() || passed >= limits::kDictionarySearch || !source_->PassOver()) return 1;
+    if (source_->AtEnd() || passed >= limits::kDictionarySearch || !source_->PassOver()) return false;
     lastChar = source_->GetByte();
   }
   lastChar = source_->GetByte();
   if (lastChar == '>') lastChar = source_->GetByte();
   if (IsSpace(lastChar)) SkipSpace();
-  return 0;
+  return true;
 }
 
 size_t CPDFDictionary::Index(std::string_view name) const {

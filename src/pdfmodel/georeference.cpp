@@ -40,7 +40,7 @@ DictionaryAt FindDictionary(ObjectLocator &objects, const CPDFObject *value) {
   if (DictionaryAt at = Fetched(objects, *reference); at.dictionary) return at;
   uint8_t firstChar;
   auto list = std::make_unique<CPDFArray>(objects.source());
-  if (!OpenObject(objects, reference->objectNumber, firstChar) || list->Parse(firstChar) != 0) return {};
+  if (!OpenObject(objects, reference->objectNumber, firstChar) || !list->Parse(firstChar)) return {};
   const CPDFArray *items = list.get();
   return FirstDictionary(objects, items, std::move(list));
 }

@@ -9,7 +9,7 @@ bool OpenObject(ObjectLocator &objects, int32_t objectNumber, uint8_t &firstChar
 bool OpenAt(ObjectLocator &objects, uint32_t position, uint8_t &firstChar, int32_t *foundNumber) {
   if (position == 0 || !objects.source().Seek(position, SeekOrigin::kStart)) return false;
   CPDFObjectIntro intro(objects.source());
-  if (intro.Parse(255) != 0) return false;
+  if (!intro.Parse(255)) return false;
   firstChar = intro.lastChar;
   if (foundNumber) *foundNumber = intro.objectNumber;
   return true;
@@ -19,7 +19,7 @@ std::unique_ptr<CPDFDictionary> FetchDictionary(ObjectLocator &objects, const CP
   uint8_t firstChar;
   if (!OpenObject(objects, reference.objectNumber, firstChar)) return nullptr;
   auto dictionary = std::make_unique<CPDFDictionary>(objects.source());
-  return dictionary->Parse(firstChar) == 0 ? std::move(dictionary) : nullptr;
+  return dictionary->Parse(firstChar) ? std::move(dictionary) : nullptr;
 }
 
 std::unique_ptr<CPDFObject> FetchAny(ObjectLocator &objects, const CPDFIndirectObject &reference) {
@@ -36,12 +36,12 @@ const CPDFObject *Follow(ObjectLocator &objects, const CPDFObject *value, std::u
   return fetched.get();
 }
 
-int ReadIndirectInteger(const CPDFIndirectObject &reference, ObjectLocator &objects, int32_t &value) {
+bool ReadIndirectInteger(const CPDFIndirectObject &reference, ObjectLocator &objects, int32_t &value) {
   uint8_t firstChar;
   CPDFNumeric number(objects.source());
-  if (!OpenObject(objects, reference.objectNumber, firstChar) || number.Parse(firstChar) != 0) return 1;
+  if (!OpenObject(objects, reference.objectNumber, firstChar) || !number.Parse(firstChar)) return false;
   value = number.intValue;
-  return 0;
+  return true;
 }
 
 }  // namespace kapdf

@@ -41,7 +41,7 @@ std::unique_ptr<CPDFObject> FetchAny(ObjectLocator &objects, const CPDFIndirectO
 // The object itself, or what it refers to, which `fetched` then keeps. Null for a reference that leads nowhere.
 const CPDFObject *Follow(ObjectLocator &objects, const CPDFObject *value, std::unique_ptr<CPDFObject> &fetched);
 
-// 0 and `value` set, or 1. Does not seek back.
-int ReadIndirectInteger(const CPDFIndirectObject &reference, ObjectLocator &objects, int32_t &value);
+// A number behind a reference. Does not seek back.
+bool ReadIndirectInteger(const CPDFIndirectObject &reference, ObjectLocator &objects, int32_t &value);
 
 }  // namespace kapdf

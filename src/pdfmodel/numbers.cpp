@@ -88,13 +88,13 @@ Found LookForReference(CZVBaseIO &source, uint8_t &byte, int32_t &generation) {
 
 }  // namespace
 
-int CPDFNumeric::Parse(uint8_t firstChar) {
+bool CPDFNumeric::Parse(uint8_t firstChar) {
   NumberText number;
   lastChar = number.Take(FirstByte(firstChar), [this] { return source_->GetByte(); });
-  if (!number.IsUsable()) return 1;
+  if (!number.IsUsable()) return false;
   realValue = number.Real();
   intValue = number.Integer(realValue);
-  return 0;
+  return true;
 }
 
 std::unique_ptr<CPDFIndirectObject> CPDFIndirectObject::Copy() const {
@@ -104,19 +104,19 @@ std::unique_ptr<CPDFIndirectObject> CPDFIndirectObject::Copy() const {
   return copy;
 }
 
-int CPDFObjectIntro::Parse(uint8_t firstChar) {
+bool CPDFObjectIntro::Parse(uint8_t firstChar) {
   const auto next = [this] { return source_->GetByte(); };
   NumberText number;
   lastChar = number.Take(FirstByte(firstChar), next);
-  if (!number.IsUsable()) return -1;
+  if (!number.IsUsable()) return false;
   objectNumber = number.Integer();
-  if (!TakeSecondNumber(lastChar, next, number, lastChar)) return -1;
+  if (!TakeSecondNumber(lastChar, next, number, lastChar)) return false;
   generation = number.Integer();
-  if (lastChar != 'o') return -1;
+  if (lastChar != 'o') return false;
   source_->GetByte();  // "b" and "j", unseen; the byte behind them is the object's first
   source_->GetByte();
   lastChar = source_->GetByte();
-  return 0;
+  return true;
 }
 
 std::unique_ptr<CPDFObject> ParseNumber(CZVBaseIO &source, uint8_t &byte) {

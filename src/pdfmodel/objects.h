@@ -14,8 +14,8 @@
 
 namespace kapdf {
 
-// Base of all objects. `Parse` takes a byte that was already read, or 255 when one is to be read first, and answers 0
-// on success; afterwards `lastChar` is the first byte that was not consumed (255 at the end of the source).
+// Base of all objects. `Parse` takes a byte that was already read, or 255 when one is to be read first, and tells
+// whether that succeeded; afterwards `lastChar` is the first byte that was not consumed (255 at the end of the source).
 class CPDFObject {
  public:
   explicit CPDFObject(CZVBaseIO &source) : source_(&source) {}
@@ -23,9 +23,9 @@ class CPDFObject {
   CPDFObject &operator=(const CPDFObject &) = delete;
   virtual ~CPDFObject() = default;
 
-  virtual int Parse(uint8_t) { return -1; }
-  // Consumes the rest of the object after an early stop; 0 on success.
-  virtual int SkipRest() { return 0; }
+  virtual bool Parse(uint8_t) { return false; }
+  // Consumes the rest of the object after an early stop; false when the source ends first.
+  virtual bool SkipRest() { return true; }
 
   CZVBaseIO &source() const { return *source_; }
   uint8_t lastChar = 255;
@@ -44,20 +44,20 @@ class CPDFObject {
 class CPDFBool final : public CPDFObject {
  public:
   using CPDFObject::CPDFObject;
-  int Parse(uint8_t firstChar) override;
+  bool Parse(uint8_t firstChar) override;
   bool value = false;
 };
 
 class CPDFNull final : public CPDFObject {
  public:
   using CPDFObject::CPDFObject;
-  int Parse(uint8_t firstChar) override;
+  bool Parse(uint8_t firstChar) override;
 };
 
 class CPDFNumeric final : public CPDFObject {
  public:
   using CPDFObject::CPDFObject;
-  int Parse(uint8_t firstChar) override;
+  bool Parse(uint8_t firstChar) override;
   int32_t intValue = -1;
   double realValue = -1.0;
 };
@@ -66,21 +66,21 @@ class CPDFNumeric final : public CPDFObject {
 class CPDFString final : public CPDFObject {
  public:
   using CPDFObject::CPDFObject;
-  int Parse(uint8_t firstChar) override;
+  bool Parse(uint8_t firstChar) override;
 
   std::string bytes;  // for a wide string UTF-16 in memory order, without its marker
   bool wide = false;
 
  private:
-  int ParseLiteral();
-  int ParseHexadecimal();
+  bool ParseLiteral();
+  bool ParseHexadecimal();
 };
 
 // The text behind the slash, as it stands: "#20" is not decoded.
 class CPDFNameObject final : public CPDFObject {
  public:
   using CPDFObject::CPDFObject;
-  int Parse(uint8_t firstChar) override;
+  bool Parse(uint8_t firstChar) override;
   std::string name;
 };
 
@@ -99,7 +99,7 @@ class CPDFIndirectObject final : public CPDFObject {
 class CPDFObjectIntro final : public CPDFObject {
  public:
   using CPDFObject::CPDFObject;
-  int Parse(uint8_t firstChar) override;
+  bool Parse(uint8_t firstChar) override;
   int32_t objectNumber = -1;
   int32_t generation = -1;
 };
@@ -108,9 +108,9 @@ class CPDFObjectIntro final : public CPDFObject {
 class CPDFArray final : public CPDFObject {
  public:
   explicit CPDFArray(CZVBaseIO &source, int depth = 0) : CPDFObject(source), depth_(depth) {}
-  // A digit in place of "[" makes an array of that one object. 1 when the array does not end in "]".
-  int Parse(uint8_t firstChar) override;
-  int SkipRest() override;
+  // A digit in place of "[" makes an array of that one object. Fails when the array does not end in "]".
+  bool Parse(uint8_t firstChar) override;
+  bool SkipRest() override;
 
   uint32_t Count() const { return static_cast<uint32_t>(items_.size()); }
   // Null past the end. The array keeps the object.
@@ -125,8 +125,8 @@ class CPDFDictionary final : public CPDFObject {
  public:
   explicit CPDFDictionary(CZVBaseIO &source, int depth = 0) : CPDFObject(source), depth_(depth) {}
   // Rubbish before "<<" is passed over. Only a missing "<<" fails; a missing ">>" does not.
-  int Parse(uint8_t firstChar) override;
-  int SkipRest() override;
+  bool Parse(uint8_t firstChar) override;
+  bool SkipRest() override;
 
   // Null when the key is missing. The dictionary keeps the object. Of equal keys the first counts.
   CPDFObject *Get(std::string_view name) const;

@@ -17,17 +17,17 @@ void ReadBox(const CPDFObject *object, PageBox &box) {
   box = {item(0), item(2), item(1), item(3)};
 }
 
-int PDFPageTree::Walk(int32_t objectNumber) { return WalkNode(objectNumber, 0); }
+bool PDFPageTree::Walk(int32_t objectNumber) { return WalkNode(objectNumber, 0); }
 
 // What a node holds is gone before its kids are walked: they may be many, and the way down is long.
-int PDFPageTree::WalkNode(int32_t objectNumber, int depth) {
+bool PDFPageTree::WalkNode(int32_t objectNumber, int depth) {
   std::vector<int32_t> kids;
   std::optional<double> angle;
-  int result = depth < limits::kPageTreeDepth && ReadNode(objectNumber, kids, angle) ? 0 : -1;
+  bool read = depth < limits::kPageTreeDepth && ReadNode(objectNumber, kids, angle);
   // One kid that cannot be read ends the walk: later siblings are lost.
-  for (size_t i = 0; i < kids.size() && result == 0; ++i) result = WalkNode(kids[i], depth + 1);
+  for (size_t i = 0; i < kids.size() && read; ++i) read = WalkNode(kids[i], depth + 1);
   if (angle) rotate_ = *angle;
-  return result;
+  return read;
 }
 
 bool PDFPageTree::ReadNode(int32_t objectNumber, std::vector<int32_t> &kids, std::optional<double> &angle) {
@@ -35,7 +35,7 @@ bool PDFPageTree::ReadNode(int32_t objectNumber, std::vector<int32_t> &kids, std
   int32_t foundNumber;
   if (!OpenObject(objects_, objectNumber, firstChar, &foundNumber)) return false;
   CPDFDictionary node(objects_.source());
-  if (node.Parse(firstChar) != 0) return false;
+  if (!node.Parse(firstChar)) return false;
   ReadBox(node.Get("MediaBox"), box_);
   ReadBox(node.Get("CropBox"), box_);
   const auto *type = node.GetAs<CPDFNameObject>("Type");
@@ -57,7 +57,7 @@ bool PDFPageTree::ReadKids(const CPDFObject *object, std::vector<int32_t> &kids)
   const auto *list = dynamic_cast<const CPDFArray *>(object);
   if (const auto *reference = dynamic_cast<const CPDFIndirectObject *>(object)) {
     uint8_t firstChar;
-    if (!OpenObject(objects_, reference->objectNumber, firstChar) || fetched.Parse(firstChar) != 0) return false;
+    if (!OpenObject(objects_, reference->objectNumber, firstChar) || !fetched.Parse(firstChar)) return false;
     list = &fetched;
   }
   for (uint32_t i = 0; list && i < list->Count(); ++i) {

@@ -24,15 +24,15 @@ class PDFPageTree {
  public:
   explicit PDFPageTree(ObjectLocator &objects) : objects_(objects) {}
 
-  // Walks the tree below a node. 0, or -1 when a node could not be read; the pages found up to there count.
-  int Walk(int32_t objectNumber);
+  // Walks the tree below a node. False when a node could not be read; the pages found up to there count.
+  bool Walk(int32_t objectNumber);
 
   const std::vector<uint32_t> &pageObjects() const { return pageObjects_; }
   double rotate() const { return rotate_; }  // radians
   const PageBox &box() const { return box_; }
 
  private:
-  int WalkNode(int32_t objectNumber, int depth);
+  bool WalkNode(int32_t objectNumber, int depth);
   // Takes a page into the table, or gives the kids of an inner node. False for a node that cannot be read.
   bool ReadNode(int32_t objectNumber, std::vector<int32_t> &kids, std::optional<double> &angle);
   bool ReadKids(const CPDFObject *object, std::vector<int32_t> &kids);

@@ -95,7 +95,7 @@ uint32_t CPDFFile::ReadSections() {
 
 uint32_t CPDFFile::ReadTrailer(int64_t &previous) {
   CPDFDictionary trailer(*this);
-  if (trailer.Parse(255) != 0) return 0;  // the chain ends here
+  if (!trailer.Parse(255)) return 0;  // the chain ends here
   // A dictionary in place of the reference is not looked at: the file is read as if it were clear.
   if (trailer.GetAs<CPDFIndirectObject>("Encrypt")) return FilterEncrypted;
   if (const auto *root = trailer.GetAs<CPDFIndirectObject>("Root"); root && !root_) root_ = root->Copy();
@@ -110,7 +110,7 @@ uint32_t CPDFFile::ReadRoot() {
   if (position > INT32_MAX) return FilterNotPdf;
   uint8_t firstChar;
   CPDFDictionary catalog(*this);
-  if (!OpenAt(*xref_, position, firstChar) || catalog.Parse(firstChar) != 0) return FilterNotPdf;
+  if (!OpenAt(*xref_, position, firstChar) || !catalog.Parse(firstChar)) return FilterNotPdf;
   if (const auto *pages = catalog.GetAs<CPDFIndirectObject>("Pages")) pagesRoot_ = pages->Copy();
   if (!pagesRoot_ || xref_->Resolve(pagesRoot_->objectNumber) == 0) return FilterNotPdf;
   return 0;

@@ -24,24 +24,24 @@ bool CPDFObject::Expect(std::string_view text) {
   return true;
 }
 
-int CPDFBool::Parse(uint8_t firstChar) {
+bool CPDFBool::Parse(uint8_t firstChar) {
   const uint8_t first = FirstByte(firstChar);
-  if (first != 't' && first != 'f') return -1;
+  if (first != 't' && first != 'f') return false;
   value = first == 't';
-  if (!Expect(value ? "rue" : "alse")) return -1;
+  if (!Expect(value ? "rue" : "alse")) return false;
   lastChar = source_->GetByte();
-  return 0;
+  return true;
 }
 
-int CPDFNull::Parse(uint8_t firstChar) {
-  if (FirstByte(firstChar) != 'n' || !Expect("ull")) return -1;
+bool CPDFNull::Parse(uint8_t firstChar) {
+  if (FirstByte(firstChar) != 'n' || !Expect("ull")) return false;
   lastChar = source_->GetByte();
-  return 0;
+  return true;
 }
 
-int CPDFNameObject::Parse(uint8_t firstChar) {
+bool CPDFNameObject::Parse(uint8_t firstChar) {
   name.clear();
-  if (FirstByte(firstChar) != '/') return -1;
+  if (FirstByte(firstChar) != '/') return false;
   bool tooLong = false;
   uint8_t c = source_->GetByte();
   for (; c != 255 && !IsSpace(c) && c != '/' && c != '[' && c != ']' && c != '<' && c != '>' && c != '(' && c != ')';
@@ -53,15 +53,15 @@ int CPDFNameObject::Parse(uint8_t firstChar) {
   }
   lastChar = c;
   if (IsSpace(c)) SkipSpace();
-  return tooLong ? -1 : 0;
+  return !tooLong;
 }
 
-int CPDFString::Parse(uint8_t firstChar) {
+bool CPDFString::Parse(uint8_t firstChar) {
   bytes.clear();
   wide = false;
   const uint8_t first = FirstByte(firstChar);
   if (first == '(') return ParseLiteral();
-  return first == '<' ? ParseHexadecimal() : -1;
+  return first == '<' && ParseHexadecimal();
 }
 
 namespace {
@@ -138,7 +138,7 @@ class LiteralReader {
 
 }  // namespace
 
-int CPDFString::ParseLiteral() {
+bool CPDFString::ParseLiteral() {
   LiteralReader reader(*source_);
   uint8_t c;
   while (reader.Next(c) && c != ')') {
@@ -147,10 +147,10 @@ int CPDFString::ParseLiteral() {
   }
   lastChar = source_->GetByte();
   if (source_->AtEnd() || IsSpace(lastChar)) SkipSpace();
-  return 0;
+  return true;
 }
 
-int CPDFString::ParseHexadecimal() {
+bool CPDFString::ParseHexadecimal() {
   uint8_t c = SkipSpace();
   for (int high; (high = HexValue(c)) >= 0;) {
     const int low = HexValue(c = SkipSpace());
@@ -158,8 +158,8 @@ int CPDFString::ParseHexadecimal() {
     if (low < 0) break;
     c = SkipSpace();
   }
-  if (bytes.empty()) return -1;
-  if (c != '>') return 0;
+  if (bytes.empty()) return false;
+  if (c != '>') return true;
   if (bytes.size() >= 2 && bytes[0] == '\xFE' && bytes[1] == '\xFF') {
     wide = true;
     bytes.erase(0, 2);
@@ -167,7 +167,7 @@ int CPDFString::ParseHexadecimal() {
   }
   lastChar = source_->GetByte();
   if (IsSpace(lastChar)) SkipSpace();
-  return 0;
+  return true;
 }
 
 }  // namespace kapdf

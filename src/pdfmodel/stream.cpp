@@ -51,34 +51,34 @@ bool CPDFStream::ReadLength(const char *key, int32_t &value) {
   const auto *reference = dictionary_->GetAs<CPDFIndirectObject>(key);
   if (!reference) return false;
   const auto mark = objects_.source().GetMark();
-  if (ReadIndirectInteger(*reference, objects_, value) != 0) value = 0;
+  if (!ReadIndirectInteger(*reference, objects_, value)) value = 0;
   if (!objects_.source().Restore(mark)) value = 0;
   return true;
 }
 
-int CPDFStream::Parse(uint8_t firstChar) {
+bool CPDFStream::Parse(uint8_t firstChar) {
   dictionary_ = std::make_unique<CPDFDictionary>(*source_);
-  const int parsed = dictionary_->Parse(firstChar);
+  const bool parsed = dictionary_->Parse(firstChar);
   lastChar = dictionary_->lastChar;
-  if (parsed != 0) return parsed;
-  if (!ReadLength("Length", length_)) return 1;
+  if (!parsed) return false;
+  if (!ReadLength("Length", length_)) return false;
   ReadLength("Length1", length1_);
   if (dictionary_->Get("Length2")) length1_ = 0;
-  if (length_ <= 0) return 1;
-  const int made = MakeCodec();
-  const int keyword = SkipKeyword();
+  if (length_ <= 0) return false;
+  const bool made = MakeCodec();
+  hasData_ = SkipKeyword();
   dataStart_ = source_->Tell();
-  return keyword != 0 ? keyword : made;
+  return hasData_ && made;
 }
 
-int CPDFStream::MakeCodec() {
+bool CPDFStream::MakeCodec() {
   bool ascii85First = false;
   const std::string_view filter = ChooseFilter(*dictionary_, ascii85First);
   const auto length = static_cast<uint32_t>(length_);
   if (filter.empty()) {
     codec_ = std::make_unique<CZVUncompressed>(*source_, length);
     passThrough_ = true;
-    return 0;
+    return true;
   }
   if (IsEither(filter, "FlateDecode", "Fl")) {
     std::unique_ptr<CCompressionClass> inner;
@@ -89,28 +89,28 @@ int CPDFStream::MakeCodec() {
   }
   if (IsEither(filter, "ASCII85Decode", "A85")) {
     codec_ = std::make_unique<CZVASCII85>(*source_, length);
-    return 0;
+    return true;
   }
   if (IsEither(filter, "ASCIIHexDecode", "AHx")) {
     codec_ = std::make_unique<CZVASCIIHex>(*source_, length);
-    return 0;
+    return true;
   }
   if (IsEither(filter, "LZWDecode", "LZW")) {
     codec_ = std::make_unique<CZVLzw>(*source_, length);
-    return 0;
+    return true;
   }
-  return IsEither(filter, "CCITTFaxDecode", "CCF") ? MakeFacsimileCodec() : 1;
+  return IsEither(filter, "CCITTFaxDecode", "CCF") && MakeFacsimileCodec();
 }
 
 // Here a reference in place of the parameters is followed. A number of bits makes good for too many parameters.
-int CPDFStream::MakeFacsimileCodec() {
+bool CPDFStream::MakeFacsimileCodec() {
   const auto mark = objects_.source().GetMark();
   const CPDFObject *value = dictionary_->Get("DecodeParms");
   std::unique_ptr<CPDFDictionary> fetched;
-  int result = 0;
+  bool result = true;
   if (const auto *list = dynamic_cast<const CPDFArray *>(value)) {
-    result = list->Count() >= 2 ? 1 : 0;
-    value = result == 0 ? list->GetAt(0) : nullptr;
+    result = list->Count() < 2;
+    value = result ? list->GetAt(0) : nullptr;
   } else if (const auto *reference = dynamic_cast<const CPDFIndirectObject *>(value)) {
     fetched = FetchDictionary(objects_, *reference);
     value = fetched.get();
@@ -123,9 +123,9 @@ int CPDFStream::MakeFacsimileCodec() {
     if (const auto *number = parameters->GetAs<CPDFNumeric>("K")) k = number->intValue;
     if (const auto *flag = parameters->GetAs<CPDFBool>("EncodedByteAlign")) byteAligned = flag->value;
   }
-  if (int32_t bits; result == 1 && ReadLength("BitsPerComponent", bits)) result = 0;
+  if (int32_t bits; !result && ReadLength("BitsPerComponent", bits)) result = true;
   const bool back = objects_.source().Restore(mark);
-  if (k > 0 || !back) return 1;
+  if (k > 0 || !back) return false;
   const auto length = static_cast<uint32_t>(length_);
   std::unique_ptr<CZVCCITT> codec;
   if (k < 0)
@@ -141,26 +141,26 @@ int CPDFStream::MakeFacsimileCodec() {
 }
 
 // A reference in place of the parameters is not followed.
-int CPDFStream::ReadFlateParameters() {
+bool CPDFStream::ReadFlateParameters() {
   const CPDFObject *value = dictionary_->Get("DecodeParms");
   if (const auto *list = dynamic_cast<const CPDFArray *>(value)) {
-    if (list->Count() >= 2) return 1;
+    if (list->Count() >= 2) return false;
     value = list->GetAt(0);
   }
   const auto *parameters = dynamic_cast<const CPDFDictionary *>(value);
-  if (!parameters) return 0;
+  if (!parameters) return true;
   if (const auto *number = parameters->GetAs<CPDFNumeric>("Predictor")) predictor_ = number->intValue;
   if (const auto *number = parameters->GetAs<CPDFNumeric>("Columns")) columns_ = number->intValue;
-  return 0;
+  return true;
 }
 
 // Behind "stream" one byte counts as the line end, whatever it is, and a line feed behind a carriage return goes with
 // it.
-int CPDFStream::SkipKeyword() {
-  if (lastChar != 's' || !Expect("tream")) return -1;
+bool CPDFStream::SkipKeyword() {
+  if (lastChar != 's' || !Expect("tream")) return false;
   if (source_->GetByte() == '\r' && source_->GetByte() != '\n' && !source_->AtEnd())
     source_->Seek(-1, SeekOrigin::kCurrent);
-  return 0;
+  return true;
 }
 
 uint32_t CPDFStream::ReadDecoded(uint8_t *buffer, uint32_t size) {

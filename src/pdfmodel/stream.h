@@ -16,9 +16,9 @@ class CPDFStream final : public CPDFObject {
  public:
   explicit CPDFStream(ObjectLocator &objects);
 
-  // 0; 1 for a stream without a known filter or without a length (its dictionary can be used all the same); -1 when
+  // Fails for a stream without a known filter or without a length, whose dictionary can be used all the same, and when
   // "stream" does not follow the dictionary.
-  int Parse(uint8_t firstChar) override;
+  bool Parse(uint8_t firstChar) override;
 
   // Decoded bytes, when fewer than `size` came; 0 when the buffer is full and more may follow, or when nothing came.
   // 1 without a codec.
@@ -36,6 +36,8 @@ class CPDFStream final : public CPDFObject {
   bool passThrough() const { return passThrough_; }
   int32_t length() const { return length_; }
   int32_t length1() const { return length1_; }
+  // Whether data with a length stand behind the dictionary, which is so even where no codec is known for them.
+  bool hasData() const { return hasData_; }
   int64_t dataStart() const { return dataStart_; }
   int32_t predictor() const { return predictor_; }
   int32_t columns() const { return columns_; }
@@ -44,10 +46,10 @@ class CPDFStream final : public CPDFObject {
  private:
   // Value of a number, direct or behind a reference; the reading position is kept. False when the key holds neither.
   bool ReadLength(const char *key, int32_t &value);
-  int MakeCodec();
-  int ReadFlateParameters();
-  int MakeFacsimileCodec();
-  int SkipKeyword();
+  bool MakeCodec();
+  bool ReadFlateParameters();
+  bool MakeFacsimileCodec();
+  bool SkipKeyword();
 
   ObjectLocator &objects_;
   std::unique_ptr<CPDFDictionary> dictionary_;
@@ -57,6 +59,7 @@ class CPDFStream final : public CPDFObject {
   int32_t length_ = 0;
   int32_t length1_ = 0;
   uint32_t status_ = 0;
+  bool hasData_ = false;
   int64_t dataStart_ = 0;
   int32_t predictor_ = 0;
   int32_t columns_ = -1;

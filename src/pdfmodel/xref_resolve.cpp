@@ -89,9 +89,9 @@ bool XRefReader::ReadObjectStream(const PDFXRefEntry &entry, ObjectStream &loade
   source().LeaveBlock();
   if (!source().Seek(entry.offset, SeekOrigin::kStart)) return false;
   CPDFObjectIntro intro(source());
-  if (intro.Parse(255) != 0) return false;
+  if (!intro.Parse(255)) return false;
   CPDFStream stream(*this);
-  if (stream.Parse(intro.lastChar) != 0) return false;
+  if (!stream.Parse(intro.lastChar)) return false;
   const CPDFDictionary &dictionary = *stream.dictionary();
   const auto *type = dictionary.GetAs<CPDFNameObject>("Type");
   auto bytes = std::make_shared<ByteBuffer>();

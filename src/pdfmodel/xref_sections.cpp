@@ -105,9 +105,9 @@ SectionEnd XRefReader::ReadStreamChain(int64_t position) {
   while (position != kNoPosition) {
     if (!source().Seek(position, SeekOrigin::kStart)) break;
     CPDFObjectIntro intro(source());
-    if (intro.Parse(255) != 0) return SectionEnd::kUnreadable;
+    if (!intro.Parse(255)) return SectionEnd::kUnreadable;
     CPDFStream stream(*this);
-    if (stream.Parse(intro.lastChar) != 0) break;
+    if (!stream.Parse(intro.lastChar)) break;
     const CPDFDictionary &dictionary = *stream.dictionary();
     const auto *type = dictionary.GetAs<CPDFNameObject>("Type");
     if (!type || type->name != "XRef") return SectionEnd::kUnreadable;

@@ -41,7 +41,7 @@ size_t ReadStream(ObjectLocator &objects, const CPDFIndirectObject &reference, s
   uint8_t firstChar;
   if (!OpenObject(objects, reference.objectNumber, firstChar)) return 0;
   CPDFStream stream(objects);
-  if (stream.Parse(firstChar) != 0) return 0;
+  if (!stream.Parse(firstChar)) return 0;
   return stream.codec()->Read(bytes.data(), bytes.size());
 }
 

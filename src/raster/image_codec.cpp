@@ -100,7 +100,8 @@ bool ImageCoding::ReadParameters(ObjectLocator &objects, const CPDFObject *param
     uint8_t firstChar;
     if (globals && OpenObject(objects, globals->objectNumber, firstChar)) {
       CPDFStream stream(objects);
-      if (stream.Parse(firstChar) >= 0 && stream.length() > 0) {
+      stream.Parse(firstChar);
+      if (stream.hasData()) {  // whatever their filter
         globalsStart = stream.dataStart();
         globalsLength = static_cast<uint32_t>(stream.length());
       }

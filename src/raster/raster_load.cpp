@@ -13,7 +13,7 @@ bool CPDFRasterObject::Load(int32_t objectNumber, const LoadPath *above, bool is
   uint8_t firstChar;
   if (!OpenObject(objects_, objectNumber, firstChar)) return false;
   dictionary_ = std::make_unique<CPDFDictionary>(objects_.source());
-  if (dictionary_->Parse(firstChar) != 0) return false;
+  if (!dictionary_->Parse(firstChar)) return false;
   uint32_t stripes = 0;
   const LoadPath path{objectNumber, above, above ? above->stripes : &stripes};
   isMask_ = isMask;

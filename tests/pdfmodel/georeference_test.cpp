@@ -44,7 +44,7 @@ std::string ReadFrom(const std::string &entries) {
                     .Build());
   uint8_t firstChar;
   CPDFDictionary page(pdf.file);
-  if (!OpenObject(pdf.file.objects(), 3, firstChar) || page.Parse(firstChar) != 0) return "no page";
+  if (!OpenObject(pdf.file.objects(), 3, firstChar) || !page.Parse(firstChar)) return "no page";
   const auto georeference = ReadGeoreference(pdf.file.objects(), page);
   if (!georeference) return "none ";
   std::string text = georeference->system ? Told(*georeference->system) : "no system ";

@@ -81,7 +81,7 @@ TEST(ObjectStreams, AStreamWhoseLengthIsAMember) {
   uint8_t first;
   ASSERT_TRUE(OpenObject(pdf.file.objects(), 5, first));
   CPDFStream stream(pdf.file.objects());
-  ASSERT_EQ(stream.Parse(first), 0);
+  ASSERT_TRUE(stream.Parse(first));
   EXPECT_EQ(stream.length1(), 3);
   ByteBuffer bytes;
   ASSERT_TRUE(stream.ReadAll(bytes));
@@ -90,7 +90,7 @@ TEST(ObjectStreams, AStreamWhoseLengthIsAMember) {
   // Within the block that the fetch replaces, it is the caller's loss alone.
   ASSERT_TRUE(OpenObject(pdf.file.objects(), 11, first));
   CPDFStream inside(pdf.file.objects());
-  EXPECT_EQ(inside.Parse(first), 1);
+  EXPECT_FALSE(inside.Parse(first));
   EXPECT_EQ(TextAt(pdf.file, 10).substr(0, 10), "10 0 obj 3");
 }
 

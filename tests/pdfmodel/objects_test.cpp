@@ -109,7 +109,7 @@ template <class T>
 std::string ParseAs(std::string_view text) {
   MemorySource source(Bytes(text));
   T object(source);
-  return object.Parse(255) == 0 ? Describe(&object) : "refused";
+  return object.Parse(255) ? Describe(&object) : "refused";
 }
 
 TEST(Objects, WhatOneClassTakes) {
@@ -118,8 +118,11 @@ TEST(Objects, WhatOneClassTakes) {
   EXPECT_EQ(ParseAs<CPDFDictionary>("rubbish << /A 1 >>"), "</A 1/1.0;>");
   for (const char *text : {"[1]", "no brackets", "rubbish <41>", ""})
     EXPECT_EQ(ParseAs<CPDFDictionary>(text), "refused") << text;
-  const std::tuple<const char *, int, uint8_t> intros[] = {
-      {"7 0 obj<<", 0, '<'}, {" 7 0\nobj [", 0, ' '}, {"7 0 R", -1, 'R'}, {"7 obj", -1, 'o'}, {"%PDF", -1, '%'}};
+  const std::tuple<const char *, bool, uint8_t> intros[] = {{"7 0 obj<<", true, '<'},
+                                                            {" 7 0\nobj [", true, ' '},
+                                                            {"7 0 R", false, 'R'},
+                                                            {"7 obj", false, 'o'},
+                                                            {"%PDF", false, '%'}};
   for (const auto &[text, result, last] : intros) {
     MemorySource source(Bytes(text));
     CPDFObjectIntro intro(source);
@@ -154,7 +157,7 @@ TEST(Objects, LargeDictionariesFindTheFirstOfEqualKeys) {
   text += ">>";
   MemorySource source(Bytes(text));
   CPDFDictionary dictionary(source);
-  ASSERT_EQ(dictionary.Parse(255), 0);
+  ASSERT_TRUE(dictionary.Parse(255));
   EXPECT_EQ(dictionary.Count(), 500u);
   for (int i = 0; i < 500; ++i) EXPECT_EQ(dictionary.GetAs<CPDFNumeric>("K" + std::to_string(i))->intValue, i);
   EXPECT_EQ(dictionary.Get("K500"), nullptr);

@@ -19,7 +19,7 @@ std::string NumberAt(CPDFFile &file, int32_t number) {
   int32_t value;
   CPDFIndirectObject reference(file);
   reference.objectNumber = number;
-  return ReadIndirectInteger(reference, file.objects(), value) == 0 ? std::to_string(value) : "?";
+  return ReadIndirectInteger(reference, file.objects(), value) ? std::to_string(value) : "?";
 }
 
 TEST(Open, AllFormsGiveTheSameDocument) {
