@@ -54,6 +54,14 @@ bool StatementReader::Next(ScanMode mode, bool plain, Statement &statement) {
   return true;
 }
 
+// The lexer may have gone into the next stream: what is known of places counts no more.
+bool StatementReader::NextLexed(bool plain, Statement &statement) {
+  if (plain && ReadPlain(statement)) return true;
+  lineStart_ = kNoLine;
+  noPlainBefore_ = 0;
+  return lexer_.Next(statement);
+}
+
 char *StatementReader::NextText(ScanMode mode) {
   char *text = std::exchange(remainder_, nullptr);
   return text ? text : ReadText(mode);

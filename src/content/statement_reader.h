@@ -33,7 +33,7 @@ class StatementReader {
   bool Next(ScanMode mode, bool plain, Statement &statement);
 
   // The same in extended reading.
-  bool NextLexed(bool plain, Statement &statement) { return (plain && ReadPlain(statement)) || lexer_.Next(statement); }
+  bool NextLexed(bool plain, Statement &statement);
   StatementLexer &lexer() { return lexer_; }
 
   // The next text without looking for its operator, zero-terminated: what an operator left of its text, or the next
