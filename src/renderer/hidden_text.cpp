@@ -34,7 +34,8 @@ HiddenTextRun RunFrom(const uint8_t *block) {
 int HiddenTextCallback(int type, void *, const void *styleBlock, const void *runBlock) {
   if (type != kTextPiece || !styleBlock || !runBlock) return 0;
   const auto *style = static_cast<const uint8_t *>(styleBlock) + kStyleAt;
-  auto &[styles, runs] = collected;
+  auto &styles = collected.hiddenTextStyles;  // named one by one: not every compiler captures bindings
+  auto &runs = collected.hiddenTextRuns;
   const bool kept = CatchAll(false, [&] {
     styles.push_back(
         {Finite(style + kHeightAt), LoadAs<uint64_t>(style + kStyleValueAt), LoadAs<uint32_t>(style + kColorAt)});
