@@ -5,7 +5,9 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
+#if __cplusplus >= 202002L
 #include <span>
+#endif
 
 namespace kapdf {
 
@@ -15,7 +17,9 @@ class ByteBuffer {
   const uint8_t *data() const { return bytes_.get(); }
   size_t size() const { return size_; }
   bool empty() const { return size_ == 0; }
+#if __cplusplus >= 202002L  // intake is compiled as C++17
   std::span<const uint8_t> span() const { return {bytes_.get(), size_}; }
+#endif
 
   // Keeps the first bytes; new ones are not initialised. Throws std::bad_alloc, leaving the buffer as it was.
   void Resize(size_t size) {

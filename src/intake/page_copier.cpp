@@ -23,7 +23,7 @@ bool LeadsAway(const std::string &key) {
   static const std::set<std::string> kKeys = {"/Parent", "/P",      "/PieceInfo", "/Metadata", "/StructParent",
                                               "/Thumb",  "/Annots", "/B",         "/AA",       "/StructParents",
                                               "/Popup",  "/Dest",   "/OPI",       "/AF",       "/LastModified"};
-  return kKeys.contains(key);
+  return kKeys.count(key) > 0;
 }
 
 bool IsTable(const std::string &key) {
@@ -45,7 +45,7 @@ std::string NumberText(double value) {
 std::string NumberText(QPDFObjectHandle number) {
   std::string text = number.isInteger() ? std::to_string(number.getIntValue()) : number.getRealValue();
   const bool plain = text.find_first_not_of("0123456789.", text[0] == '-' ? 1 : 0) == std::string::npos &&
-                     std::ranges::count(text, '.') <= 1 && text.size() < limits::kTokenText &&
+                     std::count(text.begin(), text.end(), '.') <= 1 && text.size() < limits::kTokenText &&
                      text.find_first_of("0123456789") != std::string::npos;
   return plain ? text : NumberText(number.getNumericValue());
 }

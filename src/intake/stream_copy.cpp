@@ -99,7 +99,7 @@ void PageCopier::WriteStream(QPDFObjectHandle stream) {
   QPDFObjectHandle dictionary = stream.getDict();
   const Coding coding = ReadCoding(dictionary);
   if (coding.filters.size() > limits::kFilters) return out_.Put("null");
-  const bool wantedPlain = plain_.contains(stream.getObjGen());
+  const bool wantedPlain = plain_.count(stream.getObjGen()) > 0;
   const bool image = dictionary.getKey("/Subtype").isNameAndEquals("/Image");
   const bool ownCodec = !coding.filters.empty() && IsImageCodec(coding.filters.back());
   // A lone Flate is read by our own rooms as fast as the data come.
